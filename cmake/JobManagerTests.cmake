@@ -1,0 +1,36 @@
+# jobmanager_add_test(<name> [QT | GTEST] [THREADS] [TIMEOUT <seconds>]
+#                     SOURCES <file>... [LIBRARIES <target>...] [ENVIRONMENT <name=value>...])
+#
+# One test program and its CTest entry. QT: a QtTest program, warnings and moc as for our own Qt code.
+# GTEST: a GoogleTest program with gtest's own main. THREADS: code that runs on two threads;
+# the thread sanitizer runs these (label "threads").
+function(jobmanager_add_test name)
+    cmake_parse_arguments(PARSE_ARGV 1 ARG "QT;GTEST;THREADS" "TIMEOUT" "SOURCES;LIBRARIES;ENVIRONMENT")
+    add_executable(${name} ${ARG_SOURCES})
+    target_link_libraries(${name} PRIVATE ${ARG_LIBRARIES})
+    if(ARG_QT)
+        set_target_properties(${name} PROPERTIES AUTOMOC ON)
+        target_link_libraries(${name} PRIVATE jobmanager_qt_flags Qt5::Test)
+        # The text on the terminal, and the file for tools.
+        add_test(NAME ${name} COMMAND ${name} -o -,txt -o ${PROJECT_BINARY_DIR}/test-results/${name}.xml,junitxml)
+    else()
+        target_link_libraries(${name} PRIVATE jobmanager_build_flags GTest::gmock GTest::gtest_main)
+        add_test(NAME ${name} COMMAND ${name} --gtest_output=xml:${PROJECT_BINARY_DIR}/test-results/${name}.xml)
+    endif()
+    if(NOT ARG_TIMEOUT)
+        set(ARG_TIMEOUT 120)
+    endif()
+    set(environment
+        QT_QPA_PLATFORM=offscreen QT_QUICK_BACKEND=software LC_ALL=C.UTF-8 QT_LOGGING_TO_CONSOLE=1
+        QML2_IMPORT_PATH=${JOBMANAGER_QML_DIR}:${JOBMANAGER_QT_QML_DIR} ${ARG_ENVIRONMENT})
+    set_tests_properties(${name} PROPERTIES TIMEOUT ${ARG_TIMEOUT} ENVIRONMENT "${environment}")
+    if(ARG_THREADS)
+        set_tests_properties(${name} PROPERTIES LABELS threads)
+    endif()
+endfunction()
+
+file(MAKE_DIRECTORY ${PROJECT_BINARY_DIR}/test-results)
+
+get_target_property(_qmake Qt5::qmake IMPORTED_LOCATION)
+execute_process(COMMAND ${_qmake} -query QT_INSTALL_QML
+    OUTPUT_VARIABLE JOBMANAGER_QT_QML_DIR OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
