@@ -22,7 +22,9 @@ function(jobmanager_add_test name)
     endif()
     set(environment
         QT_QPA_PLATFORM=offscreen QT_QUICK_BACKEND=software LC_ALL=C.UTF-8 QT_LOGGING_TO_CONSOLE=1
-        QML2_IMPORT_PATH=${JOBMANAGER_QML_DIR}:${JOBMANAGER_QT_QML_DIR} ${ARG_ENVIRONMENT})
+        QML2_IMPORT_PATH=${JOBMANAGER_QML_DIR}:${JOBMANAGER_QT_QML_DIR}
+        # A QtCore of another prefix (the one built for the thread sanitizer) finds the plugins only so.
+        QT_PLUGIN_PATH=${JOBMANAGER_QT_PLUGIN_DIR} ${ARG_ENVIRONMENT})
     set_tests_properties(${name} PROPERTIES TIMEOUT ${ARG_TIMEOUT} ENVIRONMENT "${environment}")
     if(ARG_THREADS)
         set_tests_properties(${name} PROPERTIES LABELS threads)
@@ -34,3 +36,5 @@ file(MAKE_DIRECTORY ${PROJECT_BINARY_DIR}/test-results)
 get_target_property(_qmake Qt5::qmake IMPORTED_LOCATION)
 execute_process(COMMAND ${_qmake} -query QT_INSTALL_QML
     OUTPUT_VARIABLE JOBMANAGER_QT_QML_DIR OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
+execute_process(COMMAND ${_qmake} -query QT_INSTALL_PLUGINS
+    OUTPUT_VARIABLE JOBMANAGER_QT_PLUGIN_DIR OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
