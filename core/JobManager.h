@@ -1,0 +1,247 @@
+#pragma once
+
+#include "api/JobManagerAPIAbstraction.h"
+#include "models/Job.h"
+
+#include <chrono>
+#include <memory>
+#include <QAbstractListModel>
+#include <QHash>
+#include <QSortFilterProxyModel>
+#include <QString>
+#include <QThread>
+#include <vector>
+
+class QTranslator;
+
+namespace jobmanager_ui {
+
+class JobManagerWorker;
+
+/// The front end's entry: a list model of all jobs with two filtered views of it, the owner of the Job objects and
+/// of the background thread, and the object on which every job-level operation is called.
+///
+/// It mirrors the job service and decides nothing itself: it polls the service's change count twice a second and
+/// rebuilds its rows when the count has moved. Rows change by model resets alone. A Job object stays the same for
+/// as long as its id is in the list; one whose id has left the list is gone once the reset has ended.
+///
+/// All of it belongs to the main thread, the QML engine's.
+class JobManager : public QAbstractListModel
+{
+    Q_OBJECT
+    Q_DISABLE_COPY(JobManager)
+
+    Q_PROPERTY(Job* currentJob READ currentJob NOTIFY currentJobChanged)
+    Q_PROPERTY(QSortFilterProxyModel* requiredJobs READ requiredJobs NOTIFY requiredJobsChanged)
+    Q_PROPERTY(QSortFilterProxyModel* archivedJobs READ archivedJobs NOTIFY archivedJobsChanged)
+    Q_PROPERTY(bool isTestLaunching READ isTestLaunching NOTIFY isTestLaunchingChanged)
+    Q_PROPERTY(bool isSyncInProgress READ isSyncInProgress NOTIFY isSyncInProgressChanged)
+    Q_PROPERTY(
+        bool isQueryChangeCountInProgress READ isQueryChangeCountInProgress NOTIFY isQueryCountChangeInProgressChanged)
+    Q_PROPERTY(jobmanager_ui::TestGroupType::Enum groupType READ groupType WRITE setGroupType NOTIFY groupTypeChanged)
+    Q_PROPERTY(bool useInternalKeyboard READ useInternalKeyboard CONSTANT)
+    Q_PROPERTY(bool fetchingJobList READ fetchingJobList NOTIFY fetchingJobListChanged)
+    Q_PROPERTY(bool settingCurrentJob READ settingCurrentJob NOTIFY settingCurrentJobChanged)
+    Q_PROPERTY(bool exportingJobData READ exportingJobData NOTIFY exportingJobDataChanged)
+    Q_PROPERTY(QString exportJobDataOutputPath READ exportJobDataOutputPath NOTIFY exportJobDataOutputPathChanged)
+    Q_PROPERTY(bool importingJobs READ importingJobs NOTIFY importingJobsChanged)
+    Q_PROPERTY(int importJobsNumberJobs READ importJobsNumberJobs NOTIFY importJobsNumberJobsChanged)
+    Q_PROPERTY(bool exchangingJob READ exchangingJob NOTIFY exchangingJobChanged)
+    Q_PROPERTY(bool jobExchangeStatus READ jobExchangeStatus NOTIFY jobExchangeStatusChanged)
+    Q_PROPERTY(bool pauseAutomaticUpdates READ pauseAutomaticUpdates WRITE setPauseAutomaticUpdates NOTIFY
+            pauseAutomaticUpdatesChanged)
+    Q_PROPERTY(int restApiPort READ restApiPort WRITE setRestApiPort NOTIFY restApiPortChanged)
+
+public:
+    /// The model's roles.
+    enum Roles {
+        JobIDRole = Qt::UserRole + 1, ///< "jobID", the id, a QString
+        JobRole, ///< "job", the Job*
+        JobSortRole, ///< "jobSort", when the job was last modified, a QString: the sort key of both views
+        FilterRole, ///< "filterRole", what the views filter by: "archived=true,current=false" and the like
+    };
+
+    /// A manager over the production implementation of the data interface.
+    explicit JobManager(QObject* parent = nullptr);
+    /// A manager over `api`, which must not be null. Asks `api` nothing and starts nothing: initialize does.
+    explicit JobManager(std::shared_ptr<JobManagerAPIAbstraction> api, QObject* parent = nullptr);
+    /// Waits for the request that the worker is carrying out, however long it takes; waiting requests are dropped.
+    ~JobManager() override;
+
+    /// Brings the manager to life: the worker and its thread, the first update, the views, the poll timer. To be
+    /// called once by the owner. Unless the data interface has the job list at hand, the rows come later.
+    Q_INVOKABLE void initialize();
+    /// Starts an update: full, with everything cached forgotten and fetched again on the worker, or partial, at
+    /// once and from the cache if the job list is still in it. While a fetch of the list runs, a full update only
+    /// clears the cache and a partial one does nothing.
+    Q_INVOKABLE void updateDataFromAPI(bool fullUpdate = true);
+    /// Stores a setting of the front end at the service.
+    Q_INVOKABLE void writeSetting(QString settings_id, QString settings_value);
+    /// Reads the settings anew and takes over the group type stored there, the default one if there is none.
+    Q_INVOKABLE void updateSettingsFromDb();
+
+    /// The number of jobs, whatever `parent` is.
+    int rowCount(const QModelIndex& parent = QModelIndex()) const override;
+    /// What the row answers for the role; invalid for an invalid index, a row that is gone and any other role.
+    QVariant data(const QModelIndex& index, int role = Qt::DisplayRole) const override;
+    /// Always false: nothing is written through the model.
+    bool setData(const QModelIndex& index, const QVariant& value, int role = Qt::EditRole) override;
+    /// The roles above by name.
+    QHash<int, QByteArray> roleNames() const override;
+
+    /// The job that the service reports as current, null if there is none. It is in neither view.
+    Job* currentJob() const { return m_currentJob.get(); }
+    /// The jobs that are neither archived nor current, last modified first. Owned by this object.
+    QSortFilterProxyModel* requiredJobs() { return &m_requiredJobs; }
+    /// The archived jobs that are not current, last modified first. Owned by this object.
+    QSortFilterProxyModel* archivedJobs() { return &m_archivedJobs; }
+    /// Whether a test launch is under way.
+    bool isTestLaunching() const { return m_isTestLaunching; }
+    /// Whether a sync with the cloud service is under way.
+    bool isSyncInProgress() const { return m_isSyncInProgress; }
+    /// Always false; kept for front ends that read it.
+    bool isQueryChangeCountInProgress() const { return m_isQueryChangeCountInProgress; }
+    /// How the tests of all jobs are grouped.
+    TestGroupType::Enum groupType() const { return m_groupType; }
+    /// Tells the data interface the new grouping, stores it as a setting, then emits groupTypeChanged. An
+    /// unchanged value does nothing; a number outside the enum passes.
+    void setGroupType(TestGroupType::Enum groupType);
+    /// Always true: the front end brings up its own keyboard.
+    bool useInternalKeyboard() const { return true; }
+    /// Whether a fetch of the job list is under way.
+    bool fetchingJobList() const { return m_fetchingJobList; }
+    /// Whether a change of the current job is under way.
+    bool settingCurrentJob() const { return m_settingCurrentJob; }
+    /// Whether an export is under way.
+    bool exportingJobData() const { return m_exportingJobData; }
+    /// Where the last export went, empty if it failed.
+    QString exportJobDataOutputPath() const { return m_exportJobDataOutputPath; }
+    /// Whether an import is under way.
+    bool importingJobs() const { return m_importingJobs; }
+    /// How many jobs the last import brought.
+    int importJobsNumberJobs() const { return m_importJobsNumberJobs; }
+    /// Whether an exchange of the current job is under way.
+    bool exchangingJob() const { return m_exchangingJob; }
+    /// Whether the last exchange succeeded.
+    bool jobExchangeStatus() const { return m_jobExchangeStatus; }
+    /// Whether polls stand aside.
+    bool pauseAutomaticUpdates() const { return m_pauseAutomaticUpdates; }
+    /// Emits pauseAutomaticUpdatesChanged on a real change; on resuming, looks for missed changes at once.
+    void setPauseAutomaticUpdates(bool paused);
+    /// The service's port, 0 without a data interface or where it has none.
+    int restApiPort() const;
+    /// Turns to another port and starts a full update, also if the port is the one in use. Emits no
+    /// restApiPortChanged.
+    void setRestApiPort(int port);
+
+    /// Always true: slow requests go to the worker.
+    bool backgroundFetching() const { return true; }
+    /// Whether the worker is inside a request or a change of the current job is under way.
+    bool isBackgroundRequestInProgress() const;
+    /// The job with this id, or null. Owned by this object.
+    Job* getJob(QString jobID) const;
+    /// The row of the job, or -1.
+    int getJobIndex(const Job& job) const;
+    /// Whether `job` has the id of the current job. False for null.
+    bool isCurrentJob(Job* job) const;
+    /// Starts an update if the change count has moved, and tells whether it had. The update is partial only if
+    /// that is allowed and the count has moved by exactly one, up or down.
+    bool checkChangeCount(bool allowPartialUpdate);
+    /// Rebuilds the rows from the data interface. All signals of it, those of the jobs included, go out inside the
+    /// model's reset. Called by a receiver of one of these signals, it returns at once, and the rebuild that it
+    /// asks for follows the running one.
+    void doUpdateDataFromAPI();
+
+Q_SIGNALS:
+    void currentJobChanged();
+    /// Never emitted.
+    void requiredJobsChanged();
+    /// Never emitted.
+    void archivedJobsChanged();
+    void isTestLaunchingChanged();
+    void isSyncInProgressChanged();
+    void isQueryCountChangeInProgressChanged(bool isQueryCountChangeInProgressChanged);
+    void groupTypeChanged();
+    void fetchingJobListChanged();
+    void settingCurrentJobChanged();
+    void exportingJobDataChanged();
+    void exportJobDataOutputPathChanged();
+    void importingJobsChanged();
+    void importJobsNumberJobsChanged();
+    void exchangingJobChanged();
+    void jobExchangeStatusChanged();
+    void pauseAutomaticUpdatesChanged();
+    /// Never emitted.
+    void restApiPortChanged();
+
+    // Requests to the worker.
+    void launchTestSignal(QVariant jobID, QVariant testID);
+    void syncWithNimbrelSignal();
+    void fetchJobList();
+    void setCurrentJobOnBackgroundThread(QString jobID);
+    void exportJobDataOnBackgroundThread(QString jobID, QString usbRootFolder);
+    void importJobsOnBackgroundThread(QString path);
+    void exchangeJobOnBackgroundThread(QString devicePath);
+
+    /// A poll has seen a change. Where the list must be fetched first, the rows follow later.
+    void jobManagerUpdated();
+    /// The job just created is in the list.
+    void newJobCreated(Job* job);
+
+public Q_SLOTS:
+    /// Takes over what was fetched, rebuilds the rows, and only then lowers fetchingJobList.
+    void onFetchJobListFinished();
+
+private Q_SLOTS:
+    void queryChangeCountSlot();
+    void setIsQueryCountChangeInProgress(bool isQueryChangeCountInProgress);
+
+private:
+    void initializeJobManagerWorker();
+    void setUpView(QSortFilterProxyModel& view, const QString& filter);
+    void sortView(QSortFilterProxyModel& view);
+    QVariant filterText(Job* job) const;
+
+    void rebuild();
+    void rebuildRows(const QHash<QString, std::shared_ptr<Job>>& oldJobs);
+    std::shared_ptr<Job> makeJob(const QString& jobID);
+    void onOptionalPropertyValueChanged(bool valueAccepted);
+    void updateCurrentJob(const QString& currentID);
+    void resetCurrentJobPointer();
+    void announceNewJob();
+
+    std::shared_ptr<JobManagerAPIAbstraction> m_api;
+    QThread m_workerThread;
+    JobManagerWorker* m_worker = nullptr;
+    bool m_fetchingJobList = false;
+    bool m_settingCurrentJob = false;
+    bool m_exportingJobData = false;
+    QString m_exportJobDataOutputPath;
+    bool m_importingJobs = false;
+    int m_importJobsNumberJobs = 0;
+    bool m_exchangingJob = false;
+    bool m_jobExchangeStatus = false;
+    bool m_isTestLaunching = false;
+    bool m_isSyncInProgress = false;
+    bool m_isQueryChangeCountInProgress = false;
+    TestGroupType::Enum m_groupType = TestGroupType::DEFAULT_VIEW;
+    QSortFilterProxyModel m_archivedJobs;
+    QSortFilterProxyModel m_requiredJobs;
+    std::vector<QString> m_jobIDs;
+    QHash<QString, std::shared_ptr<Job>> m_jobs;
+    QHash<QString, int> m_jobRows;
+    std::shared_ptr<Job> m_currentJob;
+    int m_changeCount = 0;
+    std::chrono::milliseconds m_queryChangeCountInterval{ 500 };
+    bool m_skipNextUpdateSignal = false;
+    bool m_pauseAutomaticUpdates = false;
+    QString m_newJobID;
+    QTranslator* m_translator = nullptr;
+    QHash<QString, QString> m_settings;
+
+    /// A rebuild is running, and another was asked for meanwhile.
+    bool m_rebuilding = false;
+    bool m_rebuildAgain = false;
+};
+
+} // namespace jobmanager_ui
