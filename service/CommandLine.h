@@ -1,0 +1,45 @@
+#pragma once
+
+#include <cstddef>
+#include <filesystem>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace job_service {
+
+/// How many jobs, of how many tests each, --generate is to make.
+struct GenerateSize
+{
+    std::size_t jobs = 0;
+    std::size_t tests = 0;
+};
+
+/// What the command line asks for.
+struct CommandLine
+{
+    bool help = false;
+    bool version = false;
+    unsigned short port = 8082;
+    /// Empty for the default folder.
+    std::filesystem::path data;
+    std::vector<std::filesystem::path> load;
+    std::optional<GenerateSize> generate;
+    std::string techId;
+};
+
+/// The command line makes no sense.
+class UsageError : public std::runtime_error
+{
+public:
+    using std::runtime_error::runtime_error;
+};
+
+/// Reads the arguments behind the program's name. Throws UsageError.
+CommandLine parseCommandLine(const std::vector<std::string>& arguments);
+
+/// The text of --help.
+const char* usageText();
+
+} // namespace job_service

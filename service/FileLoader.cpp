@@ -1,0 +1,158 @@
+#include "service/FileLoader.h"
+
+#include "service/JobDocument.h"
+#include "service/Log.h"
+#include "service/UtcTime.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <vector>
+
+namespace job_service {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::string_view jobSuffix = ".job.json";
+constexpr std::string_view templateSuffix = ".tpl.json";
+
+class FileUnreadable : public std::runtime_error
+{
+public:
+    using std::runtime_error::runtime_error;
+};
+
+/// A descriptor that is closed at the end.
+class OpenFile
+{
+public:
+    /// Does not wait on what is no plain file.
+    explicit OpenFile(const fs::path& path) : m_descriptor(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)) { }
+    ~OpenFile()
+    {
+        if (m_descriptor >= 0)
+            ::close(m_descriptor);
+    }
+    OpenFile(const OpenFile&) = delete;
+    OpenFile& operator=(const OpenFile&) = delete;
+
+    int descriptor() const { return m_descriptor; }
+
+private:
+    int m_descriptor;
+};
+
+std::string contentOf(const fs::path& path)
+{
+    const OpenFile file(path);
+    struct stat status
+    {
+    };
+    if (file.descriptor() < 0 || ::fstat(file.descriptor(), &status) != 0)
+        throw FileUnreadable(std::strerror(errno));
+    if (!S_ISREG(status.st_mode))
+        throw FileUnreadable("it is no plain file");
+    std::string content;
+    char buffer[65536];
+    for (;;) {
+        const ssize_t count = ::read(file.descriptor(), buffer, sizeof buffer);
+        if (count < 0 && errno == EINTR)
+            continue;
+        if (count < 0)
+            throw FileUnreadable(std::strerror(errno));
+        if (count == 0)
+            return content;
+        content.append(buffer, static_cast<std::size_t>(count));
+        if (content.size() > maximumDocumentSize)
+            throw FileUnreadable("it is larger than 16 MiB");
+    }
+}
+
+bool endsWith(const fs::path& path, std::string_view suffix)
+{
+    const std::string name = path.filename().string();
+    return name.size() > suffix.size() && name.compare(name.size() - suffix.size(), suffix.size(), suffix) == 0;
+}
+
+void logSkipped(const fs::path& file, const std::string& reason)
+{
+    logLine("not loaded: " + printable(file.string()) + ": " + printable(reason));
+}
+
+/// Runs what reads one file; a fault of the file ends in the log and in a value of no use.
+template <typename Reading> auto readOrSkip(const fs::path& file, Reading reading) -> std::optional<decltype(reading())>
+{
+    try {
+        return reading();
+    } catch (const DocumentRefused& refused) {
+        logSkipped(file, refused.what());
+    } catch (const FileUnreadable& unreadable) {
+        logSkipped(file, unreadable.what());
+    }
+    return std::nullopt;
+}
+
+std::vector<fs::path> filesOf(const fs::path& fileOrFolder)
+{
+    if (!fs::is_directory(fs::status(fileOrFolder)))
+        return { fileOrFolder };
+    std::vector<fs::path> files;
+    for (const fs::directory_entry& entry : fs::directory_iterator(fileOrFolder)) {
+        if (endsWith(entry.path(), jobSuffix) || endsWith(entry.path(), templateSuffix))
+            files.push_back(entry.path());
+    }
+    std::sort(files.begin(), files.end());
+    return files;
+}
+
+} // namespace
+
+void FileLoader::load(const fs::path& fileOrFolder)
+{
+    if (!fs::exists(fileOrFolder))
+        throw fs::filesystem_error(
+            "nothing to load", fileOrFolder, std::make_error_code(std::errc::no_such_file_or_directory));
+    std::vector<fs::path> jobFiles;
+    for (const fs::path& file : filesOf(fileOrFolder)) {
+        if (endsWith(file, jobSuffix))
+            jobFiles.push_back(file);
+        else if (endsWith(file, templateSuffix))
+            loadTemplate(file);
+        else
+            logSkipped(file, "its name ends neither in .job.json nor in .tpl.json");
+    }
+    loadJobs(jobFiles);
+}
+
+void FileLoader::loadTemplate(const fs::path& file)
+{
+    readOrSkip(file, [&] {
+        const std::string text = contentOf(file);
+        m_store.putTemplate(checkedTemplateName(text), text);
+        return true;
+    });
+}
+
+void FileLoader::loadJobs(const std::vector<fs::path>& files)
+{
+    const std::string now = utcNow();
+    std::size_t index = 0;
+    const auto next = [&]() -> std::optional<StoredJob> {
+        while (index < files.size()) {
+            const fs::path& file = files[index++];
+            if (std::optional<StoredJob> job = readOrSkip(file, [&] { return jobFromFile(contentOf(file), now); }))
+                return job;
+        }
+        return std::nullopt;
+    };
+    const auto kept = [](const std::string& id) { logLine("already there and kept as it is: job " + printable(id)); };
+    const std::size_t added = m_store.addJobs(next, kept);
+    logLine(std::to_string(added) + (added == 1 ? " job loaded" : " jobs loaded"));
+}
+
+} // namespace job_service

@@ -1,0 +1,35 @@
+#pragma once
+
+#include "service/SqliteError.h"
+
+#include <filesystem>
+#include <memory>
+
+struct sqlite3;
+
+namespace job_service {
+
+/// One connection to a database file. Used by one thread at a time; its owner guards it.
+class SqliteDatabase
+{
+public:
+    /// Opens the file, and makes it if it is missing. Changes nothing in it. Throws SqliteError.
+    explicit SqliteDatabase(const std::filesystem::path& file);
+
+    /// Runs statements that give no rows and take no values. Throws SqliteError.
+    void execute(const char* sql);
+    /// The first column of the first row of a query without values. Throws SqliteError if there is none.
+    std::string queryText(const char* sql);
+    int queryInteger(const char* sql);
+
+    sqlite3* handle() const { return m_handle.get(); }
+
+private:
+    struct Closer
+    {
+        void operator()(sqlite3* handle) const;
+    };
+    std::unique_ptr<sqlite3, Closer> m_handle;
+};
+
+} // namespace job_service

@@ -1,0 +1,97 @@
+#include "service/CommandLine.h"
+#include "service/DataFolder.h"
+#include "service/FileLoader.h"
+#include "service/HttpServer.h"
+#include "service/JobApi.h"
+#include "service/JobGenerator.h"
+#include "service/JobStore.h"
+#include "service/Log.h"
+#include "service/Router.h"
+#include "service/ServiceVersion.h"
+#include "service/StoreFile.h"
+
+#include <csignal>
+#include <cstdio>
+#include <sys/stat.h>
+#include <thread>
+
+using namespace job_service;
+
+namespace {
+
+/// The signals that end the service. Blocked before the first thread starts, they wait for `sigwait`.
+sigset_t blockEndSignals()
+{
+    sigset_t signals;
+    sigemptyset(&signals);
+    sigaddset(&signals, SIGTERM);
+    sigaddset(&signals, SIGINT);
+    pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+    std::signal(SIGPIPE, SIG_IGN);
+    return signals;
+}
+
+void fill(JobStore& store, const CommandLine& line)
+{
+    FileLoader loader(store);
+    for (const std::filesystem::path& path : line.load)
+        loader.load(path);
+    if (line.generate) {
+        const std::size_t added = generateJobs(store, *line.generate);
+        logLine(std::to_string(added) + " jobs generated");
+    }
+}
+
+void serve(const CommandLine& line)
+{
+    const sigset_t endSignals = blockEndSignals();
+    const DataFolder folder(line.data.empty() ? DataFolder::defaultPath() : line.data);
+    HttpServer server(line.port);
+    JobStore store(folder.path());
+    fill(store, line);
+
+    JobApi api(store, line.techId);
+    const Router router(api.routes(), server.port());
+    server.listen([&router](const HttpHead& head) { return router.decide(head); });
+    std::thread serving([&server] { server.run(); });
+    std::printf("job-service: listening on 127.0.0.1:%u\n", static_cast<unsigned>(server.port()));
+    std::fflush(stdout);
+
+    int signal = 0;
+    sigwait(&endSignals, &signal);
+    server.stop();
+    serving.join();
+}
+
+int run(const CommandLine& line)
+{
+    if (line.help) {
+        std::fputs(usageText(), stdout);
+        return 0;
+    }
+    if (line.version) {
+        std::printf("job-service %s\n", serviceVersion);
+        return 0;
+    }
+    // What the service stores is its user's alone.
+    ::umask(077);
+    try {
+        serve(line);
+        return 0;
+    } catch (const std::exception& error) {
+        logLine(error.what());
+        return 1;
+    }
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    try {
+        return run(parseCommandLine({ argv + 1, argv + argc }));
+    } catch (const UsageError& error) {
+        logLine(std::string(error.what()) + "; see job-service --help");
+        return 2;
+    }
+}
