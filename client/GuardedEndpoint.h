@@ -11,14 +11,8 @@
 class GuardedAddress
 {
 public:
-    GuardedAddress(std::string value)
-        : m_value(std::move(value))
-    {
-    }
-    GuardedAddress(const GuardedAddress& other)
-        : m_value(other)
-    {
-    }
+    GuardedAddress(std::string value) : m_value(std::move(value)) { }
+    GuardedAddress(const GuardedAddress& other) : m_value(other) { }
     GuardedAddress& operator=(const GuardedAddress& other) { return *this = std::string(other); }
     GuardedAddress& operator=(std::string value)
     {
@@ -41,14 +35,8 @@ private:
 class GuardedPort
 {
 public:
-    GuardedPort(unsigned short value)
-        : m_value(value)
-    {
-    }
-    GuardedPort(const GuardedPort& other)
-        : m_value(other.m_value.load())
-    {
-    }
+    GuardedPort(unsigned short value) : m_value(value) { }
+    GuardedPort(const GuardedPort& other) : m_value(other.m_value.load()) { }
     GuardedPort& operator=(const GuardedPort& other) { return *this = static_cast<unsigned short>(other); }
     GuardedPort& operator=(unsigned short value)
     {

@@ -1,0 +1,157 @@
+#include "client/Requests.h"
+
+#include "api/cdm/JsonText.h"
+#include "client/Deadlines.h"
+#include "client/UrlPath.h"
+
+namespace job_client::requests {
+
+namespace {
+
+constexpr std::size_t largeCap = 64 * 1024 * 1024;
+constexpr std::size_t smallCap = 64 * 1024;
+
+HttpRequest request(const char* method, const std::string& path, std::chrono::milliseconds deadline)
+{
+    return { method, "/api/v1" + path, std::nullopt, deadline, smallCap, false };
+}
+
+HttpRequest read(const std::string& path, std::chrono::milliseconds deadline)
+{
+    return request("GET", path, deadline);
+}
+
+HttpRequest largeRead(const std::string& path)
+{
+    HttpRequest large = read(path, deadlines::ordinary);
+    large.answerCap = largeCap;
+    large.hangsOnFirstMiss = true;
+    return large;
+}
+
+HttpRequest write(
+    const char* method, const std::string& path, const nlohmann::json& body, std::chrono::milliseconds deadline)
+{
+    HttpRequest full = request(method, path, deadline);
+    full.body = cdm::dumpJson(body);
+    return full;
+}
+
+std::string jobPath(const std::string& id)
+{
+    return "/jobs/" + pathSegment(id);
+}
+
+} // namespace
+
+HttpRequest changeCount()
+{
+    return read("/change-count", deadlines::small);
+}
+
+HttpRequest jobList()
+{
+    return largeRead("/jobs");
+}
+
+HttpRequest job(const std::string& id)
+{
+    return largeRead(jobPath(id));
+}
+
+HttpRequest activeJob()
+{
+    return read("/active-job", deadlines::small);
+}
+
+HttpRequest setActiveJob(const std::string& id)
+{
+    return write("PUT", "/active-job", { { "id", id } }, deadlines::ordinary);
+}
+
+HttpRequest newJob(const std::string& workOrderNo, const std::string& techId, const std::string& templateName,
+    const std::string& locationsFilename, bool syncToNimbrel)
+{
+    const nlohmann::json body = { { "workOrderNo", workOrderNo }, { "techId", techId },
+        { "templateName", templateName }, { "locationsFilename", locationsFilename },
+        { "syncToNimbrel", syncToNimbrel } };
+    return write("POST", "/jobs", body, deadlines::ordinary);
+}
+
+HttpRequest deleteJob(const std::string& id)
+{
+    return request("DELETE", jobPath(id), deadlines::ordinary);
+}
+
+HttpRequest archiveJob(const std::string& id)
+{
+    return request("POST", jobPath(id) + "/archive", deadlines::ordinary);
+}
+
+HttpRequest restoreJob(const std::string& id)
+{
+    return request("POST", jobPath(id) + "/restore", deadlines::ordinary);
+}
+
+HttpRequest launch(const std::string& uiIndex)
+{
+    return write("POST", "/launches", { { "uiIndex", uiIndex } }, deadlines::lengthy);
+}
+
+HttpRequest manualResponse(const std::string& text1, const std::string& text2, const std::string& uiIndex)
+{
+    const nlohmann::json body = { { "uiIndex", uiIndex }, { "text1", text1 }, { "text2", text2 } };
+    return write("POST", "/manual-responses", body, deadlines::ordinary);
+}
+
+HttpRequest updateJob(const std::string& id, const nlohmann::json& update)
+{
+    return write("PATCH", jobPath(id), update, deadlines::ordinary);
+}
+
+HttpRequest exportJob(const std::string& jobId, const std::string& folder)
+{
+    return write("POST", "/exports", { { "jobId", jobId }, { "folder", folder } }, deadlines::lengthy);
+}
+
+HttpRequest importJobs(const std::string& path)
+{
+    return write("POST", "/imports", { { "path", path } }, deadlines::lengthy);
+}
+
+HttpRequest exchangeJob(const std::string& devicePath, const std::string& second)
+{
+    return write("POST", "/exchanges", { { "devicePath", devicePath }, { "second", second } }, deadlines::lengthy);
+}
+
+HttpRequest templateList()
+{
+    return read("/templates", deadlines::ordinary);
+}
+
+HttpRequest jobTemplate(const std::string& name)
+{
+    return read("/templates/" + pathSegment(name), deadlines::ordinary);
+}
+
+HttpRequest settings()
+{
+    return read("/settings", deadlines::small);
+}
+
+HttpRequest writeSetting(const std::string& id, const std::string& value)
+{
+    return write("PUT", "/settings/" + pathSegment(id), { { "value", value } }, deadlines::small);
+}
+
+HttpRequest setUiGroupType(const std::string& groupType)
+{
+    return write("PUT", "/ui-group-type", { { "groupType", groupType } }, deadlines::small);
+}
+
+HttpRequest loginConfig()
+{
+    return read("/login-config", deadlines::small);
+}
+
+} // namespace job_client::requests
