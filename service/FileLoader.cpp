@@ -102,7 +102,8 @@ std::vector<fs::path> filesOf(const fs::path& fileOrFolder)
     if (!fs::is_directory(fs::status(fileOrFolder)))
         return { fileOrFolder };
     std::vector<fs::path> files;
-    for (const fs::directory_entry& entry : fs::directory_iterator(fileOrFolder)) {
+    const auto options = fs::directory_options::skip_permission_denied;
+    for (const fs::directory_entry& entry : fs::recursive_directory_iterator(fileOrFolder, options)) {
         if (endsWith(entry.path(), jobSuffix) || endsWith(entry.path(), templateSuffix))
             files.push_back(entry.path());
     }

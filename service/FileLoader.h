@@ -17,8 +17,8 @@ public:
     /// `store` must outlive the object.
     explicit FileLoader(JobStore& store) : m_store(store) { }
 
-    /// Loads a file, or the files of a folder in the order of their names. Throws SqliteError, and
-    /// std::filesystem::filesystem_error if there is nothing of this name or the folder cannot be read.
+    /// Loads a file, or the files of a folder and its subfolders in the order of their names. Throws SqliteError,
+    /// and std::filesystem::filesystem_error if there is nothing of this name or the folder cannot be read.
     void load(const std::filesystem::path& fileOrFolder);
 
 private:

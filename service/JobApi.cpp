@@ -174,7 +174,7 @@ std::vector<Route> JobApi::routes()
     add("GET", "/active-job", [this](Request) { return activeJob(); });
     addWrite("PUT", "/active-job", smallBody, [this](Request request) { return putActiveJob(request); });
     add("GET", "/settings", [this](Request) { return settings(); });
-    addWrite("PUT", "/settings/{id}", smallBody, [this](Request request) { return putSetting(request); });
+    addWrite("PUT", "/settings/{name}", smallBody, [this](Request request) { return putSetting(request); });
     add("GET", "/ui-group-type", [this](Request) { return groupType(); });
     addWrite("PUT", "/ui-group-type", smallBody, [this](Request request) { return putGroupType(request); });
     return routes;
