@@ -3,6 +3,8 @@
 #include "api/cdm/CdmSouthboundJob.h"
 #include "client/RestApiJobManager.h"
 
+#include <initializer_list>
+#include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
 #include <utility>
@@ -43,6 +45,40 @@ inline cdm::CdmSouthboundJob jobOf(const std::string& id, std::optional<std::vec
     job.details.id = id;
     job.tests = std::move(tests);
     return job;
+}
+
+inline cdm::TestResults resultsOf(
+    const std::string& status, const std::string& time = {}, std::optional<std::string> response = {})
+{
+    cdm::TestResults results;
+    results.status = status;
+    results.time = time;
+    results.response = std::move(response);
+    return results;
+}
+
+inline cdm::TestResults resultsWithData(std::optional<nlohmann::json> data)
+{
+    cdm::TestResults results;
+    results.data = std::move(data);
+    return results;
+}
+
+/// What a test or location has, if it was run.
+using Results = std::optional<cdm::TestResults>;
+
+/// Test "0" with results of its own and one location for each of `locations`.
+inline cdm::Test testWithResults(Results own, std::initializer_list<Results> locations = {})
+{
+    cdm::Test test = testOf("0");
+    test.results = std::move(own);
+    if (locations.size() > 0)
+        test.testLocations.emplace();
+    for (const Results& results : locations) {
+        test.testLocations->push_back(locationOf("0_" + std::to_string(test.testLocations->size())));
+        test.testLocations->back().results = results;
+    }
+    return test;
 }
 
 } // namespace jobmanager_test

@@ -79,15 +79,13 @@ void StandInClient::forgetCalls()
     script().calls.clear();
 }
 
-std::string StandInClient::addressOf(const std::string& host)
-{
-    return "stand-in://" + host;
-}
-
 class RestApiJobManager::Private
 {
 public:
-    explicit Private(const RestApiJobManager& client) : m_client(client) { }
+    Private(RestApiJobManager& client, const std::string& host) : m_client(client)
+    {
+        client.serviceAddress = "stand-in " + std::to_string(m_number) + " of " + host;
+    }
 
     /// Records the call and gives the answers as they are once the hook has returned.
     ClientAnswers record(std::string operation, std::vector<std::string> arguments = {}) const
@@ -126,9 +124,9 @@ private:
 };
 
 RestApiJobManager::RestApiJobManager(std::string host, unsigned short port)
-    : serviceAddress(StandInClient::addressOf(host))
+    : serviceAddress(std::string())
     , servicePort(port)
-    , d(std::make_unique<Private>(*this))
+    , d(std::make_unique<Private>(*this, host))
 {
     d->record("RestApiJobManager", { host, std::to_string(port) });
 }

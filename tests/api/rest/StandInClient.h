@@ -19,7 +19,7 @@ struct ClientCall
     std::thread::id thread;
     /// Which client was called; no two clients of a process share a number.
     int client = 0;
-    /// Where the client stood at that moment.
+    /// Where the client stood at that moment. Each client derives an address of its own from its host.
     std::string address;
     unsigned short port = 0;
 };
@@ -60,8 +60,6 @@ public:
     /// The names of all calls, in order.
     static std::vector<std::string> operations();
     static void forgetCalls();
-    /// The address that a client derives from its host.
-    static std::string addressOf(const std::string& host);
 };
 
 } // namespace jobmanager_test
