@@ -33,7 +33,9 @@ SignalRecorder::SignalRecorder(QObject& sender, Journal& journal, const QString&
     , m_prefix(QStringLiteral("emit ") + label)
 {
     for (int i = QObject::staticMetaObject.methodCount(); i < m_senderClass.methodCount(); ++i) {
-        if (m_senderClass.method(i).methodType() == QMetaMethod::Signal) {
+        // A signal with default arguments stands there once for each number of them.
+        const QMetaMethod method = m_senderClass.method(i);
+        if (method.methodType() == QMetaMethod::Signal && (method.attributes() & QMetaMethod::Cloned) == 0) {
             QMetaObject::connect(&sender, i, this, firstSlot() + i, Qt::DirectConnection);
         }
     }
