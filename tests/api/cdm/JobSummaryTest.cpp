@@ -31,6 +31,8 @@ const Case cases[] = {
         R"([{"testLocations": [{"results": {"status": "passed"}}, {}]},
             {"testLocations": [{"results": {"status": "passed"}}, {"results": {"status": "failed"}}]}])",
         2, 1 },
+    { "oneLocationWithoutStatusIsEnoughToBeIncomplete",
+        R"([{"testLocations": [{}, {"results": {"status": "passed"}}]}])", 1, 0 },
     { "resultsOfTheWholeDoNotStandForALocation", R"([{"results": {"status": "passed"}, "testLocations": [{}]}])", 1,
         0 },
     { "optionalLocationNeedsNoStatus",
