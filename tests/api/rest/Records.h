@@ -15,7 +15,8 @@ namespace jobmanager_test {
 /// A test id, written as its two halves; location -1 names the test itself.
 inline long long idOf(int test, int location = -1)
 {
-    return (static_cast<long long>(test) << 32) | static_cast<unsigned>(location);
+    // Not shifted: a test index may be negative.
+    return test * (1LL << 32) + static_cast<unsigned>(location);
 }
 
 inline RestApiJobManager::MinimalJobInfo summaryOf(const std::string& id)
