@@ -1,0 +1,23 @@
+#pragma once
+
+#include "tests/support/PrivateNetwork.h"
+
+#include <QGuiApplication>
+#include <QtTest>
+
+/// Why this process has no network of its own, in which the module's port is free; empty if it has.
+inline std::string& networkRefusal()
+{
+    static std::string refusal;
+    return refusal;
+}
+
+/// The main function of an end-to-end test: a network of its own, then the test.
+#define END_TO_END_MAIN(TestClass)                                                                                     \
+    int main(int argc, char* argv[])                                                                                   \
+    {                                                                                                                  \
+        networkRefusal() = jobmanager_test::enterPrivateNetwork();                                                     \
+        QGuiApplication application(argc, argv);                                                                       \
+        TestClass test;                                                                                                \
+        return QTest::qExec(&test, argc, argv);                                                                        \
+    }

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <QByteArray>
+#include <QJsonObject>
+#include <QString>
+#include <QStringList>
+
+/// The other side of the screen: somebody who looks at the job service, and changes jobs in it, over HTTP.
+/// Each call is checked: one that the service does not accept fails the running test with what it answered.
+class JobServiceClient
+{
+public:
+    explicit JobServiceClient(unsigned short port) : m_port(port) { }
+
+    /// The ids of all jobs, in the service's order.
+    QStringList jobIds() const;
+    /// The summary of one job; empty if the list does not have it.
+    QJsonObject summary(const QString& id) const;
+    /// The document of one job.
+    QJsonObject document(const QString& id) const;
+    int changeCount() const;
+    QJsonObject settings() const;
+
+    void createJob(const QString& id) const;
+    void deleteJob(const QString& id) const;
+    void archiveJob(const QString& id) const;
+    void setActiveJob(const QString& id) const;
+    void writeSetting(const QString& id, const QString& value) const;
+    /// Gives every test and location of the job a passing result, which completes its required tests.
+    void completeJob(const QString& id) const;
+
+private:
+    QJsonObject get(const QString& path) const;
+    void send(const QByteArray& method, const QString& path, const QJsonObject& body = {}) const;
+    QString jobPath(const QString& id) const;
+
+    unsigned short m_port;
+};
