@@ -1,15 +1,14 @@
 #include "tests/client/Operations.h"
 
-#include "client/Deadlines.h"
-
 #include <algorithm>
 
 namespace {
 
-namespace deadlines = job_client::deadlines;
-
 using Client = RestApiJobManager;
 
+constexpr int small = 90;
+constexpr int ordinary = 5000;
+constexpr int lengthy = 60000;
 constexpr std::size_t largeCap = 64 * 1024 * 1024;
 
 // An id with everything that has a meaning in a path, and what becomes of it there.
@@ -23,10 +22,10 @@ std::string text(bool value)
 
 std::string joined(const std::vector<std::string>& list)
 {
-    std::string result = "[";
+    std::string result;
     for (const std::string& element : list)
-        result += (result.size() > 1 ? "," : "") + element;
-    return result + "]";
+        result += "," + element;
+    return "[" + (list.empty() ? result : result.substr(1)) + "]";
 }
 
 std::string text(const Client::MinimalJobInfo& job)
@@ -74,44 +73,43 @@ std::vector<Operation> makeReads()
 {
     std::vector<Operation> list;
     list.push_back({ "getJobList", [](Client& client) { return text(client.getJobList()); }, "GET /api/v1/jobs", "",
-        jsonReply(200, summary), summaryText, "[]", true, deadlines::ordinary, largeCap });
-    list.push_back({ "getJob", [](Client& client) { return text(client.getJob(hardId)); },
-        "GET /api/v1/jobs/" + hardIdEncoded, "",
-        jsonReply(200, R"({"details": {"id": "J/1.ä %?#"}, "tests": [{"testType": "otdr"}, {"testType": "manual"}]})"),
-        "job '" + hardId + "' otdr manual", "job '" + hardId + "'", true, deadlines::ordinary, largeCap });
+        200, summary, summaryText, "[]", true, ordinary, largeCap });
+    list.push_back(
+        { "getJob", [](Client& client) { return text(client.getJob(hardId)); }, "GET /api/v1/jobs/" + hardIdEncoded, "",
+            200, R"({"details": {"id": "J/1.ä %?#"}, "tests": [{"testType": "otdr"}, {"testType": "manual"}]})",
+            "job '" + hardId + "' otdr manual", "job '" + hardId + "'", true, ordinary, largeCap });
     list.push_back({ "getChangeCount", [](Client& client) { return std::to_string(client.getChangeCount()); },
-        "GET /api/v1/change-count", "", jsonReply(200, R"({"changeCount": 12})"), "12", "0", true, deadlines::small });
+        "GET /api/v1/change-count", "", 200, R"({"changeCount": 12})", "12", "0", true, small });
     list.push_back({ "getActiveWorkorderID", [](Client& client) { return client.getActiveWorkorderID(); },
-        "GET /api/v1/active-job", "", jsonReply(200, R"({"id": "W-2"})"), "W-2", "", true, deadlines::small });
+        "GET /api/v1/active-job", "", 200, R"({"id": "W-2"})", "W-2", "", true, small });
     list.push_back({ "getSettingsListInfo", [](Client& client) { return text(client.getSettingsListInfo()); },
-        "GET /api/v1/settings", "", jsonReply(200, R"({"settings": {"language": "de", "groupType": "2"}})"),
-        "[groupType=2,language=de]", "[]", true, deadlines::small });
+        "GET /api/v1/settings", "", 200, R"({"settings": {"language": "de", "groupType": "2"}})",
+        "[groupType=2,language=de]", "[]", true, small });
     list.push_back({ "getInstrumentLoginConfig",
         [](Client& client) {
             const auto config = client.getInstrumentLoginConfig();
             return joined({ config.techId, config.opaqueText1, config.opaqueText2 });
         },
-        "GET /api/v1/login-config", "", jsonReply(200, R"({"techId": "T7", "opaqueText1": "a", "opaqueText2": "b"})"),
-        "[T7,a,b]", "[,,]", true, deadlines::small });
+        "GET /api/v1/login-config", "", 200, R"({"techId": "T7", "opaqueText1": "a", "opaqueText2": "b"})", "[T7,a,b]",
+        "[,,]", true, small });
     list.push_back({ "getTemplateList", [](Client& client) { return joined(client.getTemplateList()); },
-        "GET /api/v1/templates", "", jsonReply(200, R"({"templates": [)" + jobTemplate + R"(, {"name": "Coax"}]})"),
-        "[Fibre,Coax]", "[]", false, deadlines::ordinary });
+        "GET /api/v1/templates", "", 200, R"({"templates": [)" + jobTemplate + R"(, {"name": "Coax"}]})",
+        "[Fibre,Coax]", "[]", false, ordinary });
     list.push_back({ "getTemplateNumberOfTests",
         [](Client& client) { return std::to_string(client.getTemplateNumberOfTests("Fibre 1.0")); },
-        "GET /api/v1/templates/Fibre%201%2E0", "", jsonReply(200, jobTemplate), "7", "0", false, deadlines::ordinary });
+        "GET /api/v1/templates/Fibre%201%2E0", "", 200, jobTemplate, "7", "0", false, ordinary });
     list.push_back(
         { "getTemplateWorkOrderLabel", [](Client& client) { return client.getTemplateWorkOrderLabel("Fibre 1.0"); },
-            "GET /api/v1/templates/Fibre%201%2E0", "", jsonReply(200, jobTemplate), "Order number", "", false,
-            deadlines::ordinary });
+            "GET /api/v1/templates/Fibre%201%2E0", "", 200, jobTemplate, "Order number", "", false, ordinary });
     return list;
 }
 
 /// A write that gives true if the service accepts it.
 Operation write(const std::string& name, const std::function<bool(Client&)>& call, const std::string& route,
-    const std::string& body, std::chrono::milliseconds deadline = deadlines::ordinary)
+    const std::string& body, int deadline = ordinary)
 {
-    return { name, [call](Client& client) { return text(call(client)); }, route, body, emptyReply(204), "true", "false",
-        false, deadline };
+    return { name, [call](Client& client) { return text(call(client)); }, route, body, 204, "", "true", "false", false,
+        deadline };
 }
 
 std::vector<Operation> makeWrites()
@@ -124,7 +122,7 @@ std::vector<Operation> makeWrites()
     list.push_back({ "newJob",
         [](Client& client) { return text(client.newJob("W-3", "T\"7", "Fibre", "l.csv", true)); }, "POST /api/v1/jobs",
         R"({"locationsFilename":"l.csv","syncToNimbrel":true,"techId":"T\"7","templateName":"Fibre","workOrderNo":"W-3"})",
-        jsonReply(201, R"({"id": "W-3"})"), "true", "false", false, deadlines::ordinary });
+        201, R"({"id": "W-3"})", "true", "false", false, ordinary });
     list.push_back(write(
         "deleteJob", [](Client& client) { return client.deleteJob(hardId); }, "DELETE " + job, ""));
     list.push_back(write(
@@ -136,9 +134,8 @@ std::vector<Operation> makeWrites()
             const auto result = client.launchTest("2_1");
             return text(result.success) + " " + result.message;
         },
-        "POST /api/v1/launches", R"({"uiIndex":"2_1"})",
-        jsonReply(200, R"({"success": false, "message": "ERROR_OPTION^OTDR"})"), "false ERROR_OPTION^OTDR",
-        "false ERROR_CAN_LAUNCH_FAILED_TO_RUN", false, deadlines::lengthy });
+        "POST /api/v1/launches", R"({"uiIndex":"2_1"})", 200, R"({"success": false, "message": "ERROR_OPTION^OTDR"})",
+        "false ERROR_OPTION^OTDR", "false ERROR_CAN_LAUNCH_FAILED_TO_RUN", false, lengthy });
     list.push_back(write(
         "setManualTestResponse", [](Client& client) { return client.setManualTestResponse("grün", "", "2"); },
         "POST /api/v1/manual-responses", R"({"text1":"grün","text2":"","uiIndex":"2"})"));
@@ -149,29 +146,27 @@ std::vector<Operation> makeWrites()
         },
         "PATCH " + job, R"({"techInfo":{"techId":"T8"}})"));
     list.push_back({ "exportJobData", [](Client& client) { return client.exportJobData("W-2", "/media/stick"); },
-        "POST /api/v1/exports", R"({"folder":"/media/stick","jobId":"W-2"})",
-        jsonReply(200, R"({"path": "/media/stick/W-2.job.json"})"), "/media/stick/W-2.job.json", "", false,
-        deadlines::lengthy });
+        "POST /api/v1/exports", R"({"folder":"/media/stick","jobId":"W-2"})", 200,
+        R"({"path": "/media/stick/W-2.job.json"})", "/media/stick/W-2.job.json", "", false, lengthy });
     list.push_back({ "importJobs", [](Client& client) { return std::to_string(client.importJobs("/media/stick")); },
-        "POST /api/v1/imports", R"({"path":"/media/stick"})", jsonReply(200, R"({"imported": 3})"), "3", "0", false,
-        deadlines::lengthy });
+        "POST /api/v1/imports", R"({"path":"/media/stick"})", 200, R"({"imported": 3})", "3", "0", false, lengthy });
     list.push_back(write(
         "exchangeCurrentJob", [](Client& client) { return client.exchangeCurrentJob("/dev/qzx", ""); },
-        "POST /api/v1/exchanges", R"({"devicePath":"/dev/qzx","second":""})", deadlines::lengthy));
+        "POST /api/v1/exchanges", R"({"devicePath":"/dev/qzx","second":""})", lengthy));
     list.push_back(write(
         "writeSetting",
         [](Client& client) {
             client.writeSetting("group/Type", "2");
             return true;
         },
-        "PUT /api/v1/settings/group%2FType", R"({"value":"2"})", deadlines::small));
+        "PUT /api/v1/settings/group%2FType", R"({"value":"2"})", small));
     list.push_back(write(
         "setUiGroupType",
         [](Client& client) {
             client.setUiGroupType("location");
             return true;
         },
-        "PUT /api/v1/ui-group-type", R"({"groupType":"location"})", deadlines::small));
+        "PUT /api/v1/ui-group-type", R"({"groupType":"location"})", small));
     // These two give nothing.
     list[list.size() - 2].failedResult = "true";
     list[list.size() - 1].failedResult = "true";

@@ -34,22 +34,29 @@ std::size_t bodySize(const std::string& head)
     return field == std::string::npos ? 0 : std::stoul(head.substr(field + name.size()));
 }
 
-} // namespace
-
-RawServer::RawServer() : m_otherwise(errorReply(404, "not_scripted"))
+int boundSocket(unsigned short port)
 {
-    m_listener = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
-    m_wakeUp = eventfd(0, EFD_CLOEXEC);
-    require(m_listener >= 0 && m_wakeUp >= 0);
+    const int bound = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
+    const int again = 1;
     sockaddr_in address{};
     address.sin_family = AF_INET;
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    address.sin_port = htons(port);
+    require(bound >= 0 && setsockopt(bound, SOL_SOCKET, SO_REUSEADDR, &again, sizeof again) == 0);
+    require(bind(bound, reinterpret_cast<sockaddr*>(&address), sizeof address) == 0);
+    return bound;
+}
+
+} // namespace
+
+RawServer::RawServer() : m_listener(boundSocket(0)), m_otherwise(errorReply(404, "not_scripted"))
+{
+    m_wakeUp = eventfd(0, EFD_CLOEXEC);
+    require(m_wakeUp >= 0);
+    sockaddr_in address{};
     socklen_t size = sizeof address;
-    auto* const generic = reinterpret_cast<sockaddr*>(&address);
-    require(bind(m_listener, generic, size) == 0);
-    require(getsockname(m_listener, generic, &size) == 0);
+    require(getsockname(m_listener, reinterpret_cast<sockaddr*>(&address), &size) == 0);
     m_port = ntohs(address.sin_port);
-    m_stopped = true;
     restart();
 }
 
@@ -83,12 +90,13 @@ void RawServer::stop()
         m_frozen = false;
         m_changed.notify_all();
     }
-    // Ends the listening but keeps the port bound.
-    shutdown(m_listener, SHUT_RDWR);
     require(eventfd_write(m_wakeUp, 1) == 0);
     m_acceptor.join();
     eventfd_t woken = 0;
     require(eventfd_read(m_wakeUp, &woken) == 0);
+    close(m_listener);
+    // Bound but not listening, it refuses connections and keeps the port from others.
+    m_listener = boundSocket(m_port);
     // Nobody adds to the list any more.
     for (Connection& connection : m_connections)
         shutdown(connection.socket, SHUT_RDWR);

@@ -69,13 +69,13 @@ private:
     void waitWhileFrozen();
     RawReply replyTo(const std::string& request);
 
-    int m_listener = -1;
+    int m_listener;
     int m_wakeUp = -1;
     unsigned short m_port = 0;
 
     mutable std::mutex m_mutex;
     mutable std::condition_variable m_changed;
-    bool m_stopped = false;
+    bool m_stopped = true;
     bool m_frozen = false;
     RawReply m_otherwise;
     std::map<std::string, RawReply> m_replies;

@@ -26,7 +26,7 @@ std::string bodyOf(const std::string& request)
 class EachOperation : public testing::TestWithParam<Operation>
 {
 protected:
-    EachOperation() { server.reply(GetParam().route, GetParam().goodReply); }
+    EachOperation() { server.reply(GetParam().route, GetParam().goodReply()); }
 
     RawServer server;
     RestApiJobManager client{ "127.0.0.1", server.port() };
@@ -82,7 +82,7 @@ TEST_F(RestApiJobManagerTest, callsOfAWellServiceStartNoThread)
     client.getChangeCount(); // libcurl itself is set up
     const auto threads = threadNames();
     for (const Operation& operation : operations()) {
-        server.reply(operation.route, operation.goodReply);
+        server.reply(operation.route, operation.goodReply());
         operation.call(client);
     }
     EXPECT_EQ(threadNames(), threads);
