@@ -16,8 +16,8 @@ class DocumentRefused : public std::runtime_error
 {
 public:
     explicit DocumentRefused(cdm::DocumentError error)
-        : std::runtime_error(error.path.empty() ? error.message : error.path + ": " + error.message),
-          m_error(std::move(error))
+        : std::runtime_error(error.path.empty() ? error.message : error.path + ": " + error.message)
+        , m_error(std::move(error))
     {
     }
 

@@ -41,6 +41,11 @@ SqliteDatabase::SqliteDatabase(const std::filesystem::path& file)
     execute("PRAGMA trusted_schema=OFF; PRAGMA cell_size_check=ON; PRAGMA foreign_keys=ON;");
 }
 
+void SqliteDatabase::keepLogOnClose(bool keep)
+{
+    sqlite3_db_config(handle(), SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, keep ? 1 : 0, nullptr);
+}
+
 void SqliteDatabase::execute(const char* sql)
 {
     const int result = sqlite3_exec(handle(), sql, nullptr, nullptr, nullptr);

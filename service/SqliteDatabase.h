@@ -16,6 +16,8 @@ public:
     /// Opens the file, and makes it if it is missing. Changes nothing in it. Throws SqliteError.
     explicit SqliteDatabase(const std::filesystem::path& file);
 
+    /// Whether closing leaves the write-ahead log as it is, instead of moving it into the file.
+    void keepLogOnClose(bool keep);
     /// Runs statements that give no rows and take no values. Throws SqliteError.
     void execute(const char* sql);
     /// The first column of the first row of a query without values. Throws SqliteError if there is none.

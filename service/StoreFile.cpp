@@ -1,6 +1,7 @@
 #include "service/StoreFile.h"
 
 #include "service/Log.h"
+#include "service/SqliteStatement.h"
 
 #include <optional>
 
@@ -56,6 +57,18 @@ void checkSoundness(SqliteDatabase& database)
         throw UnusableFile(verdict);
 }
 
+void checkSchema(SqliteDatabase& database)
+{
+    try {
+        for (const char* query : { "SELECT id, modified_on, summary FROM job", "SELECT id, text FROM job_document",
+                 "SELECT name, document FROM template", "SELECT id, value FROM setting",
+                 "SELECT name, value FROM state" })
+            SqliteStatement(database, query);
+    } catch (const SqliteError& error) {
+        throw UnusableFile(error.what());
+    }
+}
+
 void useDurably(SqliteDatabase& database)
 {
     database.queryText("PRAGMA journal_mode=WAL");
@@ -65,11 +78,15 @@ void useDurably(SqliteDatabase& database)
 OpenedStore openExisting(const std::filesystem::path& file)
 {
     OpenedStore store{ SqliteDatabase(file) };
+    // Until the file is known to be sound, nothing may be moved into it.
+    store.database.keepLogOnClose(true);
     store.created = isBlank(store.database);
     if (!store.created) {
         checkOwnership(store.database);
         checkSoundness(store.database);
+        checkSchema(store.database);
     }
+    store.database.keepLogOnClose(false);
     useDurably(store.database);
     if (store.created)
         store.database.execute(schema);
