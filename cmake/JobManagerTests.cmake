@@ -28,8 +28,12 @@ function(jobmanager_add_test name)
     set_tests_properties(${name} PROPERTIES TIMEOUT ${ARG_TIMEOUT} ENVIRONMENT "${environment}")
     if(ARG_THREADS)
         set_tests_properties(${name} PROPERTIES LABELS threads)
+        add_dependencies(thread_tests ${name})
     endif()
 endfunction()
+
+# Everything that the thread sanitizer runs.
+add_custom_target(thread_tests)
 
 file(MAKE_DIRECTORY ${PROJECT_BINARY_DIR}/test-results)
 

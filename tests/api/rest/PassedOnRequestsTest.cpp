@@ -29,7 +29,7 @@ void answerWithActiveJob(const std::string& id)
 
 } // namespace
 
-class RequestsTest : public QObject
+class PassedOnRequestsTest : public QObject
 {
     Q_OBJECT
 
@@ -61,7 +61,7 @@ private Q_SLOTS:
     void manualResultShowsOnlyAfterAFetch();
 };
 
-void RequestsTest::init()
+void PassedOnRequestsTest::init()
 {
     StandInClient::reset();
 }
@@ -106,12 +106,12 @@ void addRequests()
 
 } // namespace
 
-void RequestsTest::requestIsOneCallWithTextsAsUtf8_data()
+void PassedOnRequestsTest::requestIsOneCallWithTextsAsUtf8_data()
 {
     addRequests();
 }
 
-void RequestsTest::requestIsOneCallWithTextsAsUtf8()
+void PassedOnRequestsTest::requestIsOneCallWithTextsAsUtf8()
 {
     QFETCH(Request, request);
     QFETCH(QByteArray, operation);
@@ -123,12 +123,12 @@ void RequestsTest::requestIsOneCallWithTextsAsUtf8()
     QCOMPARE(StandInClient::calls().front().arguments, arguments);
 }
 
-void RequestsTest::resultIsTheClients_data()
+void PassedOnRequestsTest::resultIsTheClients_data()
 {
     addRequests();
 }
 
-void RequestsTest::resultIsTheClients()
+void PassedOnRequestsTest::resultIsTheClients()
 {
     QFETCH(Request, request);
     QFETCH(QByteArray, operation);
@@ -142,7 +142,7 @@ void RequestsTest::resultIsTheClients()
     }
 }
 
-void RequestsTest::requestRunsOnTheCallersThread()
+void PassedOnRequestsTest::requestRunsOnTheCallersThread()
 {
     OnStandIn api;
     std::thread worker([&api] {
@@ -159,12 +159,12 @@ void RequestsTest::requestRunsOnTheCallersThread()
         QVERIFY2(call.thread == workerId, call.operation.c_str());
 }
 
-void RequestsTest::requestLeavesTheCacheAlone_data()
+void PassedOnRequestsTest::requestLeavesTheCacheAlone_data()
 {
     addRequests();
 }
 
-void RequestsTest::requestLeavesTheCacheAlone()
+void PassedOnRequestsTest::requestLeavesTheCacheAlone()
 {
     QFETCH(Request, request);
     ClientAnswers answers;
@@ -184,7 +184,7 @@ void RequestsTest::requestLeavesTheCacheAlone()
     QVERIFY(StandInClient::calls().empty());
 }
 
-void RequestsTest::exportGivesTheClientsPath_data()
+void PassedOnRequestsTest::exportGivesTheClientsPath_data()
 {
     QTest::addColumn<QByteArray>("path");
     QTest::addColumn<QString>("output");
@@ -193,7 +193,7 @@ void RequestsTest::exportGivesTheClientsPath_data()
     QTest::newRow("bytes beyond ASCII are no UTF-8") << QByteArray("/media/\xc3\xbc") << QStringLiteral("/media/Ã¼");
 }
 
-void RequestsTest::exportGivesTheClientsPath()
+void PassedOnRequestsTest::exportGivesTheClientsPath()
 {
     QFETCH(QByteArray, path);
     QFETCH(QString, output);
@@ -206,7 +206,7 @@ void RequestsTest::exportGivesTheClientsPath()
     QCOMPARE(StandInClient::calls().front().arguments, (Texts{ job.toStdString(), "/media/größe" }));
 }
 
-void RequestsTest::importGivesTheClientsNumber()
+void PassedOnRequestsTest::importGivesTheClientsNumber()
 {
     ClientAnswers answers;
     answers.importedJobs = 3;
@@ -217,7 +217,7 @@ void RequestsTest::importGivesTheClientsNumber()
     QCOMPARE(StandInClient::calls().front().arguments, Texts{ "/media/größe" });
 }
 
-void RequestsTest::archivingTheCurrentJobClearsItFirst()
+void PassedOnRequestsTest::archivingTheCurrentJobClearsItFirst()
 {
     answerWithActiveJob(job.toStdString());
     OnStandIn api;
@@ -227,7 +227,7 @@ void RequestsTest::archivingTheCurrentJobClearsItFirst()
     QCOMPARE(StandInClient::calls("archiveJob").front().arguments, Texts{ job.toStdString() });
 }
 
-void RequestsTest::archivingAnotherJobLeavesTheCurrentOne()
+void PassedOnRequestsTest::archivingAnotherJobLeavesTheCurrentOne()
 {
     answerWithActiveJob("another");
     OnStandIn api;
@@ -235,7 +235,7 @@ void RequestsTest::archivingAnotherJobLeavesTheCurrentOne()
     QCOMPARE(StandInClient::operations(), (Texts{ "getActiveWorkorderID", "archiveJob" }));
 }
 
-void RequestsTest::archivingGoesOnIfTheCurrentJobCannotBeCleared()
+void PassedOnRequestsTest::archivingGoesOnIfTheCurrentJobCannotBeCleared()
 {
     ClientAnswers answers;
     answers.activeWorkorderID = job.toStdString();
@@ -246,7 +246,7 @@ void RequestsTest::archivingGoesOnIfTheCurrentJobCannotBeCleared()
     QCOMPARE(StandInClient::operations().back(), std::string("archiveJob"));
 }
 
-void RequestsTest::archivingThatFailsLeavesTheCurrentJobCleared()
+void PassedOnRequestsTest::archivingThatFailsLeavesTheCurrentJobCleared()
 {
     ClientAnswers answers;
     answers.activeWorkorderID = job.toStdString();
@@ -257,7 +257,7 @@ void RequestsTest::archivingThatFailsLeavesTheCurrentJobCleared()
     QCOMPARE(StandInClient::operations(), (Texts{ "getActiveWorkorderID", "setActiveWorkorderID", "archiveJob" }));
 }
 
-void RequestsTest::archivingReachesTheCurrentJobByTheVirtualOperations()
+void PassedOnRequestsTest::archivingReachesTheCurrentJobByTheVirtualOperations()
 {
     class WithJob : public JobManagerRestAPI
     {
@@ -278,7 +278,7 @@ void RequestsTest::archivingReachesTheCurrentJobByTheVirtualOperations()
     QCOMPARE(StandInClient::operations(), Texts{ "archiveJob" });
 }
 
-void RequestsTest::restoringDoesNotLookAtTheCurrentJob()
+void PassedOnRequestsTest::restoringDoesNotLookAtTheCurrentJob()
 {
     answerWithActiveJob(job.toStdString());
     OnStandIn api;
@@ -286,7 +286,7 @@ void RequestsTest::restoringDoesNotLookAtTheCurrentJob()
     QCOMPARE(StandInClient::operations(), Texts{ "restoreJob" });
 }
 
-void RequestsTest::manualResultIsLoggedAsFourItems()
+void PassedOnRequestsTest::manualResultIsLoggedAsFourItems()
 {
     OnStandIn api;
     const MessageRecorder recorder;
@@ -295,7 +295,7 @@ void RequestsTest::manualResultIsLoggedAsFourItems()
         QStringList(QStringLiteral("debug default: JobManagerRestAPI setting manual test result to: \"yes\" ,  \"\"")));
 }
 
-void RequestsTest::manualResultNamesTestOrLocation_data()
+void PassedOnRequestsTest::manualResultNamesTestOrLocation_data()
 {
     QTest::addColumn<qlonglong>("id");
     QTest::addColumn<QByteArray>("uiIndex");
@@ -304,7 +304,7 @@ void RequestsTest::manualResultNamesTestOrLocation_data()
     QTest::newRow("negative id") << -1LL << QByteArray();
 }
 
-void RequestsTest::manualResultNamesTestOrLocation()
+void PassedOnRequestsTest::manualResultNamesTestOrLocation()
 {
     QFETCH(qlonglong, id);
     QFETCH(QByteArray, uiIndex);
@@ -315,7 +315,7 @@ void RequestsTest::manualResultNamesTestOrLocation()
     QCOMPARE(StandInClient::calls().front().arguments, (Texts{ "yes", "", uiIndex.toStdString() }));
 }
 
-void RequestsTest::manualResultShowsOnlyAfterAFetch()
+void PassedOnRequestsTest::manualResultShowsOnlyAfterAFetch()
 {
     const auto answerWithResponse = [](const std::string& response) {
         cdm::Test test = testOf("2");
@@ -336,5 +336,5 @@ void RequestsTest::manualResultShowsOnlyAfterAFetch()
     QCOMPARE(api->getTestResponse(job, idOf(2)), QStringLiteral("new"));
 }
 
-QTEST_GUILESS_MAIN(RequestsTest)
-#include "RequestsTest.moc"
+QTEST_GUILESS_MAIN(PassedOnRequestsTest)
+#include "PassedOnRequestsTest.moc"
