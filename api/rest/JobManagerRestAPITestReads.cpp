@@ -13,7 +13,8 @@ namespace {
 /// True for result data that marks its test as added in the field.
 bool isAdditionalTest(const std::optional<nlohmann::json>& data)
 {
-    if (!data || !data->is_object() || !data->contains("ijm_additionalTest"))
+    // Anything but an object contains nothing.
+    if (!data || !data->contains("ijm_additionalTest"))
         return false;
     try {
         return data->at("ijm_additionalTest").get<bool>();
