@@ -31,6 +31,9 @@ using ErrorCode = boost::system::error_code;
 
 namespace {
 
+/// What is still read of a refused request, so that the refusal reaches its sender.
+constexpr std::size_t mostDiscarded = 16 * 1024 * 1024;
+
 void closeOnExec(int descriptor)
 {
     ::fcntl(descriptor, F_SETFD, FD_CLOEXEC);
@@ -178,6 +181,7 @@ private:
     std::optional<http::request_parser<http::string_body>> m_parser;
     std::optional<std::list<Session*>::iterator> m_place;
     HttpCall m_call;
+    std::size_t m_discarded = 0;
     std::optional<http::response<http::string_body>> m_response;
 
     void leave()
@@ -305,8 +309,9 @@ private:
     void discard()
     {
         m_stream.async_read_some(
-            m_buffer.prepare(4096), [self = shared_from_this()](const ErrorCode& error, std::size_t) {
-                if (error)
+            m_buffer.prepare(16 * 1024), [self = shared_from_this()](const ErrorCode& error, std::size_t size) {
+                self->m_discarded += size;
+                if (error || self->m_discarded > mostDiscarded)
                     self->close();
                 else
                     self->discard();

@@ -29,7 +29,7 @@ public:
         /// For the wait for a request together with its head, and the same again for its body.
         std::chrono::milliseconds requestDeadline = std::chrono::seconds(5);
         std::chrono::milliseconds responseDeadline = std::chrono::seconds(5);
-        /// How long a call that runs may go on when the server is told to stop.
+        /// How long answers may still take when the server is told to stop.
         std::chrono::milliseconds stopDeadline = std::chrono::seconds(1);
         std::size_t headSize = 8192;
         /// One more, and the connection that has waited longest for its request makes room.
@@ -51,7 +51,8 @@ public:
     void listen(HttpHeadHandler onHead);
     /// Serves until stop(). Afterwards no call runs any more.
     void run();
-    /// Ends run(): no new requests, those that run have the stop deadline. From any thread.
+    /// Ends run(): no new requests; calls that run end, and get their answers out if the stop deadline allows.
+    /// From any thread.
     void stop();
 
 private:

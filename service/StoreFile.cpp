@@ -4,6 +4,7 @@
 #include "service/SqliteStatement.h"
 
 #include <optional>
+#include <sqlite3.h>
 
 namespace job_service {
 
@@ -65,6 +66,8 @@ void checkSchema(SqliteDatabase& database)
                  "SELECT name, value FROM state" })
             SqliteStatement(database, query);
     } catch (const SqliteError& error) {
+        if (error.code() != SQLITE_ERROR)
+            throw;
         throw UnusableFile(error.what());
     }
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <chrono>
+#include <cstddef>
 #include <map>
 #include <string>
 
@@ -22,12 +23,7 @@ struct HttpReply
 HttpReply httpRequest(unsigned short port, const std::string& method, const std::string& path,
     const std::string& body = {}, std::chrono::milliseconds deadline = std::chrono::seconds(10));
 
-/// Sends `bytes` as they are and returns everything that comes back until the other side closes or
-/// `deadline` (stretched in sanitizer builds) has passed.
-std::string rawExchange(
-    unsigned short port, const std::string& bytes, std::chrono::milliseconds deadline = std::chrono::seconds(10));
-
-/// Takes an answer on the wire apart; status 0 if it is not a complete one.
-HttpReply parseHttpReply(const std::string& bytes);
+/// Takes the first answer on the wire apart and tells how many bytes it has; status 0 if it is not a complete one.
+HttpReply parseHttpReply(const std::string& bytes, std::size_t& length);
 
 } // namespace jobmanager_test

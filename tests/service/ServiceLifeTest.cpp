@@ -1,0 +1,267 @@
+// The service as a process: how it starts, ends, and what survives.
+
+#include "tests/service/TemporaryFolder.h"
+#include "tests/support/Connection.h"
+#include "tests/support/Deadline.h"
+#include "tests/support/ServiceProcess.h"
+
+#include <atomic>
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+#include <random>
+#include <thread>
+
+using namespace std::chrono_literals;
+using jobmanager_test::Connection;
+using jobmanager_test::HttpReply;
+using jobmanager_test::httpRequest;
+using jobmanager_test::ServiceProcess;
+using jobmanager_test::stretched;
+using nlohmann::json;
+
+namespace {
+
+class ServiceLifeTest : public testing::Test
+{
+protected:
+    ServiceProcess m_service;
+
+    void start(std::vector<std::string> arguments = {})
+    {
+        m_service.setArguments(std::move(arguments));
+        ASSERT_TRUE(m_service.start()) << m_service.log();
+    }
+    HttpReply call(const std::string& method, const std::string& path, const std::string& body = {})
+    {
+        return httpRequest(m_service.port(), method, "/api/v1" + path, body);
+    }
+    json get(const std::string& path)
+    {
+        const HttpReply reply = call("GET", path);
+        EXPECT_EQ(reply.status, 200) << path << ' ' << reply.body;
+        return reply.status == 200 ? json::parse(reply.body) : json();
+    }
+    int changeCount() { return get("/change-count").at("changeCount"); }
+    std::size_t numberOfJobs() { return get("/jobs").at("jobs").size(); }
+};
+
+TEST_F(ServiceLifeTest, aFreePortIsPickedAndTold)
+{
+    start();
+    EXPECT_GT(m_service.port(), 0);
+    EXPECT_EQ(get("/status").at("service"), "job-service");
+}
+
+TEST_F(ServiceLifeTest, terminationIsClean)
+{
+    start();
+    EXPECT_EQ(call("POST", "/jobs", R"({"workOrderNo":"a"})").status, 201);
+    Connection idle(m_service.port());
+    const auto begin = std::chrono::steady_clock::now();
+    EXPECT_EQ(m_service.terminate(), 0);
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, stretched(2s));
+    EXPECT_FALSE(std::filesystem::exists(m_service.dataFolder() / "jobs.sqlite-wal"));
+    EXPECT_EQ(m_service.log(), "");
+}
+
+TEST_F(ServiceLifeTest, theDataFolderIsItsUsersAlone)
+{
+    start();
+    using std::filesystem::perms;
+    for (const char* name : { "", "jobs.sqlite", "lock" }) {
+        const auto permissions = std::filesystem::status(m_service.dataFolder() / name).permissions();
+        EXPECT_EQ(permissions & (perms::group_all | perms::others_all), perms::none) << name;
+    }
+}
+
+TEST_F(ServiceLifeTest, aRestartKeepsEverythingAndMovesTheCountByTwoOrMore)
+{
+    start();
+    EXPECT_EQ(call("POST", "/jobs", R"({"workOrderNo":"a"})").status, 201);
+    EXPECT_EQ(call("PUT", "/active-job", R"({"id":"a"})").status, 204);
+    EXPECT_EQ(call("PUT", "/settings/groupType", R"({"value":"2"})").status, 204);
+    const int before = changeCount();
+    const json document = get("/jobs/a");
+    EXPECT_EQ(m_service.terminate(), 0);
+    start();
+    EXPECT_GE(changeCount() - before, 2);
+    EXPECT_EQ(get("/jobs/a"), document);
+    EXPECT_EQ(get("/active-job").at("id"), "a");
+    EXPECT_EQ(get("/settings").at("settings").at("groupType"), "2");
+}
+
+TEST_F(ServiceLifeTest, afterACrashTheCountMovesByTwoOrMoreOnTheSamePort)
+{
+    start();
+    const unsigned short port = m_service.port();
+    const int before = changeCount();
+    ASSERT_TRUE(m_service.restart()) << m_service.log();
+    EXPECT_EQ(m_service.port(), port);
+    EXPECT_GE(changeCount() - before, 2);
+}
+
+/// What was acknowledged is there after each kill; what was not may or may not be.
+TEST_F(ServiceLifeTest, killsLoseNoAcknowledgedChange)
+{
+    start({ "--generate", "jobs=1,tests=1" });
+    std::mt19937 random(7);
+    int next = 0;
+    for (int round = 0; round < 10; ++round) {
+        std::atomic<int> acknowledged{ -1 };
+        const int countBefore = changeCount();
+        std::thread writer([&, first = next] {
+            for (int number = first;; ++number) {
+                const std::string body = R"({"workOrderNo":"job-)" + std::to_string(number) + "\"}";
+                if (httpRequest(m_service.port(), "POST", "/api/v1/jobs", body).status != 201)
+                    return;
+                acknowledged = number;
+            }
+        });
+        const int wanted = next + 1 + static_cast<int>(random() % 20);
+        while (acknowledged < wanted)
+            std::this_thread::yield();
+        m_service.kill();
+        writer.join();
+        start();
+        for (int number = next; number <= acknowledged; ++number)
+            EXPECT_EQ(call("GET", "/jobs/job-" + std::to_string(number)).status, 200) << "round " << round;
+        EXPECT_GE(changeCount() - countBefore, acknowledged - next + 1 + 2);
+        next = acknowledged + 2;
+        EXPECT_EQ(get("/status").at("store"), "ok");
+    }
+}
+
+TEST_F(ServiceLifeTest, aStoppedServiceAnswersOnceItGoesOn)
+{
+    start();
+    m_service.stop();
+    Connection waiting(m_service.port());
+    ASSERT_TRUE(waiting.send(
+        "GET /api/v1/change-count HTTP/1.1\r\nHost: 127.0.0.1:" + std::to_string(m_service.port()) + "\r\n\r\n"));
+    m_service.resume();
+    EXPECT_EQ(waiting.readReply().status, 200);
+}
+
+TEST_F(ServiceLifeTest, aSecondServiceOnTheSamePortSaysSoAndEnds)
+{
+    start();
+    ServiceProcess second;
+    second.setPort(m_service.port());
+    EXPECT_FALSE(second.start());
+    EXPECT_EQ(second.waitForEnd(), 1);
+    EXPECT_NE(second.log().find("Port " + std::to_string(m_service.port())), std::string::npos) << second.log();
+    EXPECT_EQ(get("/status").at("service"), "job-service");
+}
+
+TEST_F(ServiceLifeTest, aSecondServiceOnTheSameDataSaysSoAndEnds)
+{
+    start();
+    const int before = changeCount();
+    ServiceProcess second;
+    second.setDataFolder(m_service.dataFolder());
+    EXPECT_FALSE(second.start());
+    EXPECT_EQ(second.waitForEnd(), 1);
+    EXPECT_NE(second.log().find("Another job-service is using the data folder"), std::string::npos) << second.log();
+    EXPECT_EQ(changeCount(), before);
+}
+
+TEST_F(ServiceLifeTest, theDataIsFreeAgainAfterACrash)
+{
+    start();
+    m_service.kill();
+    ServiceProcess second;
+    second.setDataFolder(m_service.dataFolder());
+    EXPECT_TRUE(second.start()) << second.log();
+}
+
+TEST_F(ServiceLifeTest, aDamagedStoreIsPutAsideAndTold)
+{
+    std::filesystem::create_directories(m_service.dataFolder());
+    std::ofstream(m_service.dataFolder() / "jobs.sqlite") << std::string(10000, 'x');
+    start();
+    EXPECT_EQ(get("/status").at("store"), "replaced");
+    EXPECT_EQ(numberOfJobs(), 0u);
+    EXPECT_NE(m_service.log().find("jobs.sqlite.corrupt-1"), std::string::npos);
+    EXPECT_TRUE(std::filesystem::exists(m_service.dataFolder() / "jobs.sqlite.corrupt-1"));
+}
+
+TEST_F(ServiceLifeTest, filesAreLoadedBeforeThePortIsOpened)
+{
+    jobmanager_test::TemporaryFolder files;
+    files.write("a.job.json", R"({"details":{"id":"a"},"tests":[{"testType":"x"}]})");
+    files.write("bad.job.json", R"({"details":{}})");
+    start({ "--load", files.path().string() });
+    EXPECT_EQ(numberOfJobs(), 1u);
+    EXPECT_NE(m_service.log().find("bad.job.json: /details/id: "), std::string::npos) << m_service.log();
+}
+
+TEST_F(ServiceLifeTest, loadingAgainKeepsWhatWasRecorded)
+{
+    jobmanager_test::TemporaryFolder files;
+    files.write("a.job.json", R"({"details":{"id":"a"},"tests":[{"testType":"x"}]})");
+    start({ "--load", files.path().string() });
+    EXPECT_EQ(call("PUT", "/jobs/a/tests/0/results", R"({"status":"pass","time":"t"})").status, 204);
+    ASSERT_TRUE(m_service.restart()) << m_service.log();
+    EXPECT_EQ(get("/jobs/a").at("tests")[0].at("results").at("status"), "pass");
+    EXPECT_NE(m_service.log().find("already there and kept as it is: job a"), std::string::npos) << m_service.log();
+}
+
+TEST_F(ServiceLifeTest, generatedSetsAreTheSameEverywhere)
+{
+    start({ "--generate", "jobs=50,tests=5" });
+    ServiceProcess other({ "--generate=jobs=50,tests=5" });
+    ASSERT_TRUE(other.start()) << other.log();
+    EXPECT_EQ(numberOfJobs(), 50u);
+    EXPECT_EQ(call("GET", "/jobs").body, httpRequest(other.port(), "GET", "/api/v1/jobs").body);
+    EXPECT_EQ(call("GET", "/jobs/GEN-0000017").body, httpRequest(other.port(), "GET", "/api/v1/jobs/GEN-0000017").body);
+}
+
+TEST_F(ServiceLifeTest, theTechnicianIsAnOption)
+{
+    start({ "--tech-id", "t-0107" });
+    EXPECT_EQ(get("/login-config"), (json{ { "techId", "t-0107" }, { "opaqueText1", "" }, { "opaqueText2", "" } }));
+}
+
+struct FailureCase
+{
+    const char* name;
+    std::vector<std::string> arguments;
+    int exitCode;
+    const char* log;
+};
+
+class FailingStart : public ServiceLifeTest, public testing::WithParamInterface<FailureCase>
+{
+};
+
+TEST_P(FailingStart, saysWhyAndEnds)
+{
+    m_service.setArguments(GetParam().arguments);
+    EXPECT_FALSE(m_service.start());
+    EXPECT_EQ(m_service.waitForEnd(), GetParam().exitCode);
+    EXPECT_NE(m_service.log().find(GetParam().log), std::string::npos) << m_service.log();
+}
+
+INSTANTIATE_TEST_SUITE_P(Arguments, FailingStart,
+    testing::Values(FailureCase{ "unknownOption", { "--prot", "1" }, 2, "there is no option \"--prot\"" },
+        FailureCase{ "badPort", { "--port=99999" }, 2, "--port takes a number" },
+        FailureCase{ "nothingToLoad", { "--load", "/nonexistent/x" }, 1, "nothing to load" },
+        FailureCase{ "noDataFolder", { "--data", "/proc/nowhere" }, 1, "The data folder" }),
+    [](const auto& row) { return std::string(row.param.name); });
+
+TEST_F(ServiceLifeTest, aNewerStoreIsRefused)
+{
+    start();
+    const std::filesystem::path file = m_service.dataFolder() / "jobs.sqlite";
+    ASSERT_EQ(m_service.terminate(), 0);
+    // The user version stands at offset 60 of the header.
+    std::fstream stream(file, std::ios::in | std::ios::out | std::ios::binary);
+    stream.seekp(60);
+    stream.write("\0\0\0\7", 4);
+    stream.close();
+    EXPECT_FALSE(m_service.start());
+    EXPECT_EQ(m_service.waitForEnd(), 1);
+    EXPECT_NE(m_service.log().find("newer version"), std::string::npos) << m_service.log();
+}
+
+} // namespace
