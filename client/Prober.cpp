@@ -56,6 +56,7 @@ void Prober::start()
     }
     const SignalsBlocked blocked;
     m_thread = std::thread(&Prober::probeUntilAnswered, this);
+    pthread_setname_np(m_thread.native_handle(), "job-probe");
 }
 
 void Prober::stop() noexcept
@@ -69,7 +70,6 @@ void Prober::stop() noexcept
 
 void Prober::probeUntilAnswered()
 {
-    pthread_setname_np(pthread_self(), "job-probe");
     // Not at once: whoever found the service hanging should get through all its calls without waiting again.
     auto next = std::chrono::steady_clock::now() + deadlines::probePeriod;
     while (!isStoppedBefore(next)) {

@@ -57,6 +57,9 @@ TEST_P(EachFault, givesTheLastGoodAnswerIfItIsToBeRemembered)
     fault().apply(server, operation());
 
     EXPECT_EQ(operation().call(client), operation().isRemembered ? operation().goodResult : operation().failedResult);
+    if (operation().isWrite()) {
+        EXPECT_LE(server.count(operation().route), 2u) << "a write was sent more than once";
+    }
 }
 
 TEST_P(EachFault, movesTheChangeCountOnceIfItIsAnOutageAndNotAtAllOtherwise)

@@ -3,8 +3,8 @@
 #include "client/RestApiJobManager.h"
 
 #include "tests/client/Operations.h"
+#include "tests/client/ProcessState.h"
 #include "tests/client/RawServer.h"
-#include "tests/client/ThreadNames.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
