@@ -8,9 +8,11 @@
 #include <csignal>
 #include <functional>
 #include <QElapsedTimer>
+#include <QFile>
 #include <QThread>
 #include <QtTest>
 #include <thread>
+#include <unistd.h>
 
 using namespace jobmanager_test;
 using namespace jobmanager_ui;
@@ -26,6 +28,17 @@ QString lines(const QStringList& list)
 
 void ignoreSignal(int /*number*/)
 {
+}
+
+/// Whether the kernel has put the thread of this process to sleep, as it does with one that waits for another.
+bool isAsleep(pid_t thread)
+{
+    QFile status(QStringLiteral("/proc/self/task/%1/stat").arg(thread));
+    if (!status.open(QIODevice::ReadOnly)) {
+        return false;
+    }
+    const QByteArray text = status.readAll();
+    return text.mid(text.lastIndexOf(')') + 2, 1) == "S";
 }
 
 } // namespace
@@ -384,27 +397,32 @@ onExchangeJob(QString))"));
 
     void endWaitsForTheRunningRequestAndDropsTheWaitingOnes()
     {
+        m_api->hold(QStringLiteral("fetchJobList"));
+        m_api->hold(QStringLiteral("launchTest"));
         auto manager = std::make_unique<JobManager>(m_api);
         manager->initialize();
-        QTRY_VERIFY(!manager->fetchingJobList());
-        m_api->hold(QStringLiteral("launchTest"));
+        QVERIFY(m_api->waitUntilHeld(QStringLiteral("fetchJobList")));
+        // Queued together, the thread takes them up together: told to quit, it would by itself still run all three.
         Q_EMIT manager->launchTestSignal(QStringLiteral("7"), 1LL);
-        QVERIFY(m_api->waitUntilHeld(QStringLiteral("launchTest")));
         Q_EMIT manager->importJobsOnBackgroundThread(QStringLiteral("/m"));
         Q_EMIT manager->exchangeJobOnBackgroundThread(QStringLiteral("/dev/qzx"));
+        m_api->release(QStringLiteral("fetchJobList"));
+        QVERIFY(m_api->waitUntilHeld(QStringLiteral("launchTest")));
         m_journal.take();
-        // Whether the destructor has taken the requests away cannot be seen from here, so the release comes when
-        // the destructor must long be waiting; an early release could only make the test pass less surely.
-        std::atomic<bool> ended{ false };
-        std::thread releaser([&] {
-            std::this_thread::sleep_for(stretched(std::chrono::milliseconds(100)));
-            m_journal.add(ended ? QStringLiteral("ended early") : QStringLiteral("still waiting"));
+        std::atomic<bool> ending{ false };
+        std::thread releaser([&, mainThread = gettid()] {
+            while (!ending || !isAsleep(mainThread)) {
+                std::this_thread::yield();
+            }
+            m_journal.add(QStringLiteral("the main thread waits"));
             m_api->release(QStringLiteral("launchTest"));
         });
+        ending = true;
         manager.reset();
-        ended = true;
+        m_journal.add(QStringLiteral("the manager has ended"));
         releaser.join();
-        QCOMPARE(m_journal.take(), QStringList{ QStringLiteral("still waiting") });
+        QCOMPARE(m_journal.take(),
+            (QStringList{ QStringLiteral("the main thread waits"), QStringLiteral("the manager has ended") }));
     }
 
     void workerIsDeletedOnItsOwnThreadAndReleasesTheInterface()
