@@ -108,7 +108,8 @@ private:
             if (!object.contains(name.get<std::string>()))
                 return where + " lacks " + name.get<std::string>();
         }
-        for (const auto& [name, member] : schema.value("properties", json::object()).items()) {
+        const json properties = schema.value("properties", json::object());
+        for (const auto& [name, member] : properties.items()) {
             if (!object.contains(name))
                 continue;
             const std::string found = fault(object.at(name), member, where + "/" + name);
