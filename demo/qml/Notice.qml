@@ -1,0 +1,32 @@
+import QtQuick 2.15
+
+/// A short message over the lower end of a page; it goes by itself.
+Rectangle {
+    id: notice
+
+    readonly property alias text: label.text
+
+    function show(message) {
+        label.text = message
+        timer.restart()
+    }
+
+    implicitWidth: Math.min(label.implicitWidth + 4 * Theme.gap, parent.width - 2 * Theme.margin)
+    implicitHeight: Theme.touch
+    radius: Theme.radius
+    color: Theme.notice
+    visible: timer.running
+
+    PlainLabel {
+        id: label
+        anchors.fill: parent
+        anchors.leftMargin: 2 * Theme.gap
+        anchors.rightMargin: 2 * Theme.gap
+        color: Theme.barText
+        horizontalAlignment: Text.AlignHCenter
+    }
+    Timer {
+        id: timer
+        interval: 4000
+    }
+}
