@@ -1,6 +1,7 @@
 #include "core/JobManager.h"
 #include "core/JobManagerWorker.h"
 #include "tests/support/MessageCollector.h"
+#include "tests/support/MetaObjectText.h"
 #include "tests/support/RecordingApi.h"
 #include "tests/support/SignalRecorder.h"
 
@@ -45,11 +46,6 @@ public:
     }
 };
 
-QString lines(const QStringList& list)
-{
-    return list.join(QLatin1Char('\n'));
-}
-
 } // namespace
 
 class JobManagerTest : public QObject
@@ -76,17 +72,7 @@ private Q_SLOTS:
 
     void propertiesStandInOrder()
     {
-        QStringList properties;
-        const QMetaObject& meta = JobManager::staticMetaObject;
-        for (int i = meta.propertyOffset(); i < meta.propertyCount(); ++i) {
-            const QMetaProperty property = meta.property(i);
-            properties.append(QStringLiteral("%1 %2 %3%4%5")
-                                  .arg(QLatin1String(property.typeName()), QLatin1String(property.name()),
-                                      QString::fromLatin1(property.notifySignal().name()),
-                                      property.isWritable() ? QStringLiteral(" writable") : QString(),
-                                      property.isConstant() ? QStringLiteral("constant") : QString()));
-        }
-        QCOMPARE(lines(properties), QStringLiteral(R"(Job* currentJob currentJobChanged
+        QCOMPARE(propertyLines(JobManager::staticMetaObject), QStringLiteral(R"(Job* currentJob currentJobChanged
 QSortFilterProxyModel* requiredJobs requiredJobsChanged
 QSortFilterProxyModel* archivedJobs archivedJobsChanged
 bool isTestLaunching isTestLaunchingChanged
@@ -108,16 +94,7 @@ int restApiPort restApiPortChanged writable)"));
 
     void signalsSlotsAndInvokablesStandInOrder()
     {
-        QStringList methods;
-        const QMetaObject& meta = JobManager::staticMetaObject;
-        for (int i = meta.methodOffset(); i < meta.methodCount(); ++i) {
-            const char* const kinds[] = { "method", "signal", "slot", "constructor" };
-            const QMetaMethod method = meta.method(i);
-            methods.append(QLatin1String(kinds[method.methodType()])
-                + (method.access() == QMetaMethod::Private ? QStringLiteral(" private ") : QStringLiteral(" "))
-                + QString::fromLatin1(method.methodSignature()));
-        }
-        QCOMPARE(lines(methods), QStringLiteral(R"(signal currentJobChanged()
+        QCOMPARE(methodLines(JobManager::staticMetaObject), QStringLiteral(R"(signal currentJobChanged()
 signal requiredJobsChanged()
 signal archivedJobsChanged()
 signal isTestLaunchingChanged()

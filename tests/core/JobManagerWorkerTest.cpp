@@ -2,6 +2,7 @@
 #include "core/JobManager.h"
 #include "tests/support/Deadline.h"
 #include "tests/support/MessageCollector.h"
+#include "tests/support/MetaObjectText.h"
 #include "tests/support/RecordingApi.h"
 #include "tests/support/SignalRecorder.h"
 
@@ -20,11 +21,7 @@ using namespace jobmanager_ui;
 namespace {
 
 using Request = std::function<void(JobManagerWorker&)>;
-
-QString lines(const QStringList& list)
-{
-    return list.join(QLatin1Char('\n'));
-}
+using ManagerRequest = std::function<void(JobManager&)>;
 
 void ignoreSignal(int /*number*/)
 {
@@ -44,6 +41,7 @@ bool isAsleep(pid_t thread)
 } // namespace
 
 Q_DECLARE_METATYPE(Request)
+Q_DECLARE_METATYPE(ManagerRequest)
 
 class JobManagerWorkerTest : public QObject
 {
@@ -67,28 +65,24 @@ private Q_SLOTS:
 
     void signalsAndSlotsStandInOrder()
     {
-        QStringList methods;
         const QMetaObject& meta = JobManagerWorker::staticMetaObject;
-        for (int i = meta.methodOffset(); i < meta.methodCount(); ++i) {
-            methods.append(QString::fromLatin1(meta.method(i).methodSignature()));
-        }
-        QCOMPARE(lines(methods), QStringLiteral(R"(backgroundRequestInProgressChanged()
-testLaunchFinished(QVariant,QVariant,QString)
-syncFinished()
-fetchJobListFinished()
-fetchJobFinished(QString)
-setCurrentJobFinished()
-exportJobDataFinished(QString)
-importJobsFinished(int)
-exchangeJobFinished(bool)
-onLaunchTest(QVariant,QVariant)
-onSyncWithNimbrel()
-onFetchJobList()
-onFetchJob(QString)
-onSetCurrentJob(QString)
-onExportJobData(QString,QString)
-onImportJobs(QString)
-onExchangeJob(QString))"));
+        QCOMPARE(methodLines(meta), QStringLiteral(R"(signal backgroundRequestInProgressChanged()
+signal testLaunchFinished(QVariant,QVariant,QString)
+signal syncFinished()
+signal fetchJobListFinished()
+signal fetchJobFinished(QString)
+signal setCurrentJobFinished()
+signal exportJobDataFinished(QString)
+signal importJobsFinished(int)
+signal exchangeJobFinished(bool)
+slot onLaunchTest(QVariant,QVariant)
+slot onSyncWithNimbrel()
+slot onFetchJobList()
+slot onFetchJob(QString)
+slot onSetCurrentJob(QString)
+slot onExportJobData(QString,QString)
+slot onImportJobs(QString)
+slot onExchangeJob(QString))"));
         QCOMPARE(meta.propertyCount(), QObject::staticMetaObject.propertyCount());
     }
 
@@ -310,9 +304,8 @@ onExchangeJob(QString))"));
 
     void managersRequestsReachTheWorkersThread_data()
     {
-        QTest::addColumn<std::function<void(JobManager&)>>("request");
+        QTest::addColumn<ManagerRequest>("request");
         QTest::addColumn<QString>("call");
-        using ManagerRequest = std::function<void(JobManager&)>;
         QTest::newRow("launch") << ManagerRequest([](JobManager& manager) {
             Q_EMIT manager.launchTestSignal(QStringLiteral("7"), 1LL);
         }) << "call launchTest(\"7\", 1) on worker";
@@ -334,7 +327,7 @@ onExchangeJob(QString))"));
 
     void managersRequestsReachTheWorkersThread()
     {
-        QFETCH(std::function<void(JobManager&)>, request);
+        QFETCH(ManagerRequest, request);
         QFETCH(QString, call);
         JobManager manager(m_api);
         manager.initialize();
@@ -481,8 +474,6 @@ private:
     std::unique_ptr<MessageCollector> m_messages;
     std::shared_ptr<RecordingApi> m_api;
 };
-
-Q_DECLARE_METATYPE(std::function<void(JobManager&)>)
 
 QTEST_GUILESS_MAIN(JobManagerWorkerTest)
 #include "JobManagerWorkerTest.moc"

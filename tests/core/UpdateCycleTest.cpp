@@ -17,11 +17,6 @@ const QString idA = QStringLiteral("A");
 const QString idB = QStringLiteral("B");
 const QString idC = QStringLiteral("C");
 
-QString lines(const QStringList& list)
-{
-    return list.join(QLatin1Char('\n'));
-}
-
 JobSummary archivedSummary()
 {
     JobSummary summary;

@@ -1,5 +1,6 @@
 #include "models/Job.h"
 #include "tests/support/MessageCollector.h"
+#include "tests/support/MetaObjectText.h"
 #include "tests/support/RecordingApi.h"
 #include "tests/support/SignalRecorder.h"
 
@@ -121,16 +122,7 @@ private Q_SLOTS:
 
     void propertiesStandInOrder()
     {
-        QStringList lines;
-        const QMetaObject& meta = Job::staticMetaObject;
-        for (int i = meta.propertyOffset(); i < meta.propertyCount(); ++i) {
-            const QMetaProperty property = meta.property(i);
-            lines.append(QStringLiteral("%1 %2 %3%4")
-                             .arg(QLatin1String(property.typeName()), QLatin1String(property.name()),
-                                 QString::fromLatin1(property.notifySignal().name()),
-                                 property.isWritable() ? QStringLiteral(" writable") : QString()));
-        }
-        QCOMPARE(lines.join(QLatin1Char('\n')), QStringLiteral(R"(QString jobNumber jobNumberChanged
+        QCOMPARE(propertyLines(Job::staticMetaObject), QStringLiteral(R"(QString jobNumber jobNumberChanged
 QString workOrderLabel workOrderLabelChanged
 QString customerName customerNameChanged
 QString typeName typeNameChanged
@@ -144,34 +136,29 @@ QStringList teamTechIds teamTechIdsChanged)"));
 
     void signalsAndInvokablesStandInOrder()
     {
-        QStringList signatures;
-        const QMetaObject& meta = Job::staticMetaObject;
-        for (int i = meta.methodOffset(); i < meta.methodCount(); ++i) {
-            signatures.append(QString::fromLatin1(meta.method(i).methodSignature()));
-        }
-        QCOMPARE(signatures.join(QLatin1Char('\n')), QStringLiteral(R"(jobNumberChanged()
-customerNameChanged()
-typeNameChanged()
-workOrderLabelChanged()
-isArchivedChanged(Job*)
-totalNumberOfRequiredTestsChanged()
-numberOfCompletedRequiredTestsChanged()
-totalNumberOfRequiredAttributesChanged()
-numberOfIncompleteRequiredAttributesChanged()
-testsChanged()
-optionalPropertiesChanged()
-allDisplayableJobPropertiesChanged()
-jobPropertyDisplayInfosChanged()
-allDisplayableTestPropertiesChanged()
-testPropertyDisplayInfosChanged()
-managedByChanged()
-stateChanged()
-fetchInProgressChanged()
-teamTechIdsChanged()
-newTestResultsReceived()
-optionalPropertyValueChanged(bool)
-fetchJob(QString)
-updateDataFromAPI())"));
+        QCOMPARE(methodLines(Job::staticMetaObject), QStringLiteral(R"(signal jobNumberChanged()
+signal customerNameChanged()
+signal typeNameChanged()
+signal workOrderLabelChanged()
+signal isArchivedChanged(Job*)
+signal totalNumberOfRequiredTestsChanged()
+signal numberOfCompletedRequiredTestsChanged()
+signal totalNumberOfRequiredAttributesChanged()
+signal numberOfIncompleteRequiredAttributesChanged()
+signal testsChanged()
+signal optionalPropertiesChanged()
+signal allDisplayableJobPropertiesChanged()
+signal jobPropertyDisplayInfosChanged()
+signal allDisplayableTestPropertiesChanged()
+signal testPropertyDisplayInfosChanged()
+signal managedByChanged()
+signal stateChanged()
+signal fetchInProgressChanged()
+signal teamTechIdsChanged()
+signal newTestResultsReceived()
+signal optionalPropertyValueChanged(bool)
+signal fetchJob(QString)
+method updateDataFromAPI())"));
     }
 
     void updateReadsFirstAndThenEmitsInOrder()

@@ -8,6 +8,12 @@
 
 namespace jobmanager_test {
 
+/// The entries one below the other, so that a failed comparison shows them all.
+inline QString lines(const QStringList& entries)
+{
+    return entries.join(QLatin1Char('\n'));
+}
+
 /// One list of what happened, in order, whoever saw it: calls, signals, messages. Safe for concurrent use.
 class Journal
 {

@@ -10,7 +10,7 @@ using namespace jobmanager_ui;
 
 namespace jobmanager_test {
 
-RecordingApi::RecordingApi() : RecordingApi(m_ownJournal)
+RecordingApi::RecordingApi() : m_journal(m_ownJournal), m_creator(std::this_thread::get_id())
 {
 }
 
