@@ -8,11 +8,11 @@ using job_service::WorkerPool;
 
 namespace {
 
-/// Holds the only worker of a pool until it is released.
+/// Holds the only worker of a pool until it is released. Has to outlive the pool.
 class Blocker
 {
 public:
-    explicit Blocker(WorkerPool& pool)
+    void hold(WorkerPool& pool)
     {
         EXPECT_TRUE(pool.submit([this] {
             m_running.set_value();
@@ -44,8 +44,9 @@ TEST(WorkerPoolTest, runsEveryTask)
 
 TEST(WorkerPoolTest, refusesATaskBeyondTheLimit)
 {
+    Blocker blocker;
     WorkerPool pool(1, 2);
-    Blocker blocker(pool);
+    blocker.hold(pool);
     EXPECT_TRUE(pool.submit([] {}));
     EXPECT_TRUE(pool.submit([] {}));
     EXPECT_FALSE(pool.submit([] {}));
@@ -54,25 +55,22 @@ TEST(WorkerPoolTest, refusesATaskBeyondTheLimit)
 
 TEST(WorkerPoolTest, stopFinishesWhatRunsAndDropsWhatWaits)
 {
-    std::atomic<bool> finished{ false };
     std::atomic<bool> ran{ false };
-    std::promise<void> running;
-    std::promise<void> release;
+    Blocker blocker;
     WorkerPool pool(1, 1000000);
-    ASSERT_TRUE(pool.submit([&] {
-        running.set_value();
-        release.get_future().wait();
-        finished = true;
-    }));
-    running.get_future().wait();
+    blocker.hold(pool);
     ASSERT_TRUE(pool.submit([&] { ran = true; }));
-    std::thread stopping([&] { pool.stop(); });
+    std::atomic<bool> stopped{ false };
+    std::thread stopping([&] {
+        pool.stop();
+        stopped = true;
+    });
     // The queue cannot be full: once a task is refused, the pool has been told to stop.
     while (pool.submit([&] { ran = true; }))
         std::this_thread::yield();
-    release.set_value();
+    EXPECT_FALSE(stopped) << "a task still runs";
+    blocker.release();
     stopping.join();
-    EXPECT_TRUE(finished);
     EXPECT_FALSE(ran);
 }
 
