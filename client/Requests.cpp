@@ -4,6 +4,9 @@
 #include "client/Deadlines.h"
 #include "client/UrlPath.h"
 
+#include <initializer_list>
+#include <utility>
+
 namespace job_client::requests {
 
 namespace {
@@ -29,11 +32,28 @@ HttpRequest largeRead(const std::string& path)
     return large;
 }
 
-HttpRequest write(
-    const char* method, const std::string& path, const nlohmann::json& body, std::chrono::milliseconds deadline)
+/// A member of a body: its name, and its value as JSON text.
+using Member = std::pair<const char*, std::string>;
+
+std::string jsonText(const std::string& text)
+{
+    return cdm::dumpJson(nlohmann::json(text));
+}
+
+/// Put together as text, since nlohmann's objects need memory even to be destroyed: where there is none, a request
+/// must fail and not end the process.
+std::string object(std::initializer_list<Member> members)
+{
+    std::string text;
+    for (const auto& [name, value] : members)
+        text += std::string(text.empty() ? "{" : ",") + '"' + name + "\":" + value;
+    return text + '}';
+}
+
+HttpRequest write(const char* method, const std::string& path, std::string body, std::chrono::milliseconds deadline)
 {
     HttpRequest full = request(method, path, deadline);
-    full.body = cdm::dumpJson(body);
+    full.body = std::move(body);
     return full;
 }
 
@@ -66,16 +86,17 @@ HttpRequest activeJob()
 
 HttpRequest setActiveJob(const std::string& id)
 {
-    return write("PUT", "/active-job", { { "id", id } }, deadlines::ordinary);
+    return write("PUT", "/active-job", object({ { "id", jsonText(id) } }), deadlines::ordinary);
 }
 
 HttpRequest newJob(const std::string& workOrderNo, const std::string& techId, const std::string& templateName,
     const std::string& locationsFilename, bool syncToNimbrel)
 {
-    const nlohmann::json body = { { "workOrderNo", workOrderNo }, { "techId", techId },
-        { "templateName", templateName }, { "locationsFilename", locationsFilename },
-        { "syncToNimbrel", syncToNimbrel } };
-    return write("POST", "/jobs", body, deadlines::ordinary);
+    return write("POST", "/jobs",
+        object({ { "workOrderNo", jsonText(workOrderNo) }, { "techId", jsonText(techId) },
+            { "templateName", jsonText(templateName) }, { "locationsFilename", jsonText(locationsFilename) },
+            { "syncToNimbrel", syncToNimbrel ? "true" : "false" } }),
+        deadlines::ordinary);
 }
 
 HttpRequest deleteJob(const std::string& id)
@@ -95,33 +116,36 @@ HttpRequest restoreJob(const std::string& id)
 
 HttpRequest launch(const std::string& uiIndex)
 {
-    return write("POST", "/launches", { { "uiIndex", uiIndex } }, deadlines::lengthy);
+    return write("POST", "/launches", object({ { "uiIndex", jsonText(uiIndex) } }), deadlines::lengthy);
 }
 
 HttpRequest manualResponse(const std::string& text1, const std::string& text2, const std::string& uiIndex)
 {
-    const nlohmann::json body = { { "uiIndex", uiIndex }, { "text1", text1 }, { "text2", text2 } };
-    return write("POST", "/manual-responses", body, deadlines::ordinary);
+    return write("POST", "/manual-responses",
+        object({ { "uiIndex", jsonText(uiIndex) }, { "text1", jsonText(text1) }, { "text2", jsonText(text2) } }),
+        deadlines::ordinary);
 }
 
 HttpRequest updateJob(const std::string& id, const nlohmann::json& update)
 {
-    return write("PATCH", jobPath(id), update, deadlines::ordinary);
+    return write("PATCH", jobPath(id), cdm::dumpJson(update), deadlines::ordinary);
 }
 
 HttpRequest exportJob(const std::string& jobId, const std::string& folder)
 {
-    return write("POST", "/exports", { { "jobId", jobId }, { "folder", folder } }, deadlines::lengthy);
+    return write("POST", "/exports", object({ { "jobId", jsonText(jobId) }, { "folder", jsonText(folder) } }),
+        deadlines::lengthy);
 }
 
 HttpRequest importJobs(const std::string& path)
 {
-    return write("POST", "/imports", { { "path", path } }, deadlines::lengthy);
+    return write("POST", "/imports", object({ { "path", jsonText(path) } }), deadlines::lengthy);
 }
 
 HttpRequest exchangeJob(const std::string& devicePath, const std::string& second)
 {
-    return write("POST", "/exchanges", { { "devicePath", devicePath }, { "second", second } }, deadlines::lengthy);
+    return write("POST", "/exchanges",
+        object({ { "devicePath", jsonText(devicePath) }, { "second", jsonText(second) } }), deadlines::lengthy);
 }
 
 HttpRequest templateList()
@@ -141,12 +165,12 @@ HttpRequest settings()
 
 HttpRequest writeSetting(const std::string& id, const std::string& value)
 {
-    return write("PUT", "/settings/" + pathSegment(id), { { "value", value } }, deadlines::small);
+    return write("PUT", "/settings/" + pathSegment(id), object({ { "value", jsonText(value) } }), deadlines::small);
 }
 
 HttpRequest setUiGroupType(const std::string& groupType)
 {
-    return write("PUT", "/ui-group-type", { { "groupType", groupType } }, deadlines::small);
+    return write("PUT", "/ui-group-type", object({ { "groupType", jsonText(groupType) } }), deadlines::small);
 }
 
 HttpRequest loginConfig()

@@ -121,7 +121,7 @@ std::vector<Operation> makeWrites()
         "PUT /api/v1/active-job", R"({"id":"W-2"})"));
     list.push_back({ "newJob",
         [](Client& client) { return text(client.newJob("W-3", "T\"7", "Fibre", "l.csv", true)); }, "POST /api/v1/jobs",
-        R"({"locationsFilename":"l.csv","syncToNimbrel":true,"techId":"T\"7","templateName":"Fibre","workOrderNo":"W-3"})",
+        R"({"workOrderNo":"W-3","techId":"T\"7","templateName":"Fibre","locationsFilename":"l.csv","syncToNimbrel":true})",
         201, R"({"id": "W-3"})", "true", "false", false, ordinary });
     list.push_back(write(
         "deleteJob", [](Client& client) { return client.deleteJob(hardId); }, "DELETE " + job, ""));
@@ -138,7 +138,7 @@ std::vector<Operation> makeWrites()
         "false ERROR_OPTION^OTDR", "false ERROR_CAN_LAUNCH_FAILED_TO_RUN", false, lengthy });
     list.push_back(write(
         "setManualTestResponse", [](Client& client) { return client.setManualTestResponse("grün", "", "2"); },
-        "POST /api/v1/manual-responses", R"({"text1":"grün","text2":"","uiIndex":"2"})"));
+        "POST /api/v1/manual-responses", R"({"uiIndex":"2","text1":"grün","text2":""})"));
     list.push_back(write(
         "updateWorkflowAttributes",
         [](Client& client) {
@@ -146,7 +146,7 @@ std::vector<Operation> makeWrites()
         },
         "PATCH " + job, R"({"techInfo":{"techId":"T8"}})"));
     list.push_back({ "exportJobData", [](Client& client) { return client.exportJobData("W-2", "/media/stick"); },
-        "POST /api/v1/exports", R"({"folder":"/media/stick","jobId":"W-2"})", 200,
+        "POST /api/v1/exports", R"({"jobId":"W-2","folder":"/media/stick"})", 200,
         R"({"path": "/media/stick/W-2.job.json"})", "/media/stick/W-2.job.json", "", false, lengthy });
     list.push_back({ "importJobs", [](Client& client) { return std::to_string(client.importJobs("/media/stick")); },
         "POST /api/v1/imports", R"({"path":"/media/stick"})", 200, R"({"imported": 3})", "3", "0", false, lengthy });

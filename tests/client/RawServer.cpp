@@ -115,6 +115,8 @@ void RawServer::restart()
     }
     require(listen(m_listener, 512) == 0);
     m_acceptor = std::thread(&RawServer::acceptAll, this);
+    // From here: whoever looks at the threads next must not take it for one of its own.
+    pthread_setname_np(m_acceptor.native_handle(), threadName);
 }
 
 void RawServer::freeze()
@@ -168,7 +170,6 @@ std::size_t RawServer::bytesSent() const
 
 void RawServer::acceptAll()
 {
-    pthread_setname_np(pthread_self(), threadName);
     for (;;) {
         pollfd watched[] = { { m_listener, POLLIN, 0 }, { m_wakeUp, POLLIN, 0 } };
         poll(watched, 2, -1);

@@ -119,7 +119,7 @@ TEST_F(RestApiJobManagerTest, newJobPassesOnThatNothingIsToBeSynced)
     server.reply("POST /api/v1/jobs", jsonReply(201, R"({"id": "W-3"})"));
     EXPECT_TRUE(client.newJob("W-3", "T7", "", "", false));
     EXPECT_EQ(bodyOf(server.requests().back()),
-        R"({"locationsFilename":"","syncToNimbrel":false,"techId":"T7","templateName":"","workOrderNo":"W-3"})");
+        R"({"workOrderNo":"W-3","techId":"T7","templateName":"","locationsFilename":"","syncToNimbrel":false})");
 }
 
 TEST_F(RestApiJobManagerTest, bytesThatAreNoTextAreReplacedInABody)
