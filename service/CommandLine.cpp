@@ -1,5 +1,6 @@
 #include "service/CommandLine.h"
 
+#include <algorithm>
 #include <charconv>
 
 namespace job_service {

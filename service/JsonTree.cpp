@@ -1,5 +1,6 @@
 #include "service/JsonTree.h"
 
+#include <algorithm>
 #include <nlohmann/json.hpp>
 
 namespace job_service {

@@ -1,5 +1,7 @@
 #include "service/UrlPath.h"
 
+#include <algorithm>
+
 namespace job_service {
 
 namespace {
