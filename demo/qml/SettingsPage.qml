@@ -78,7 +78,7 @@ PageFrame {
                 implicitWidth: 120
                 font.pixelSize: Theme.medium
                 inputMethodHints: Qt.ImhDigitsOnly
-                placeholderText: page.port
+                text: page.port
                 validator: IntValidator { bottom: 1; top: 65535 }
                 onAccepted: page.usePort(Number(text))
             }

@@ -1,0 +1,61 @@
+#include "tests/end_to_end/Bounds.h"
+#include "tests/qml/JobServiceActions.h"
+#include "tests/qml/WarningLog.h"
+#include "tests/support/PrivateNetwork.h"
+#include "tests/support/ServiceProcess.h"
+
+#include <cstdio>
+#include <QQmlContext>
+#include <QQmlEngine>
+#include <QtQuickTest>
+
+namespace {
+
+/// The exit code that tells the test runner that the test could not be run here.
+constexpr int skipped = 77;
+
+} // namespace
+
+/// Gives the tests of the demo's screens a job service of their own, with the sample jobs, on the module's own port.
+class ScreensSetup : public QObject
+{
+    Q_OBJECT
+
+public:
+    bool startService()
+    {
+        m_service.setPort(modulePort);
+        return m_service.start();
+    }
+
+    std::string serviceLog() const { return m_service.log(); }
+
+public Q_SLOTS:
+    void qmlEngineAvailable(QQmlEngine* engine)
+    {
+        WarningLog::start();
+        engine->rootContext()->setContextProperty(QStringLiteral("service"), &m_actions);
+    }
+
+private:
+    jobmanager_test::ServiceProcess m_service{ { "--load", JOBMANAGER_SAMPLES } };
+    JobServiceActions m_actions{ modulePort };
+};
+
+int main(int argc, char* argv[])
+{
+    const std::string refusal = jobmanager_test::enterPrivateNetwork();
+    if (!refusal.empty()) {
+        std::fprintf(stderr, "no network of its own, in which port %d is free: %s\n", modulePort, refusal.c_str());
+        return skipped;
+    }
+    ScreensSetup setup;
+    if (!setup.startService()) {
+        std::fprintf(stderr, "%s\n", setup.serviceLog().c_str());
+        return 1;
+    }
+    return WarningLog::exitCode(
+        quick_test_main_with_setup(argc, argv, "ScreensTest", QML_TEST_SOURCES "/screens", &setup));
+}
+
+#include "ScreensTest.moc"
