@@ -2,9 +2,9 @@
 
 #include "api/Logging.h"
 #include "core/JobManagerWorker.h"
+#include "core/RequestGate.h"
 
 #include <algorithm>
-#include <QCoreApplication>
 #include <QScopedValueRollback>
 #include <QTimer>
 #include <utility>
@@ -38,13 +38,10 @@ JobManager::JobManager(std::shared_ptr<JobManagerAPIAbstraction> api, QObject* p
 
 JobManager::~JobManager()
 {
-    // A thread that is told to quit still runs everything already queued, so the waiting requests are taken away.
-    // That comes before quit(): afterwards the thread could end, and delete the worker, at any moment. Nothing is
-    // queued in between, since all requests come from this thread. Only calls are taken: the worker's end is an
-    // event too.
-    if (m_worker != nullptr) {
-        QCoreApplication::removePostedEvents(m_worker, QEvent::MetaCall);
-    }
+    // A thread that is told to quit first runs all that is already queued. From here on the gate drops the requests
+    // among it. It does so on their own thread: taken away from this one, by QCoreApplication::removePostedEvents,
+    // they would race with a counter that the thread's event loop changes without its lock.
+    m_workerThread.requestInterruption();
     m_workerThread.quit();
     m_workerThread.wait();
 }
@@ -67,6 +64,7 @@ void JobManager::initialize()
 void JobManager::initializeJobManagerWorker()
 {
     m_worker = new JobManagerWorker(m_api); // owned by the thread's end, see the first connection
+    m_worker->installEventFilter(new RequestGate(m_worker));
     m_worker->moveToThread(&m_workerThread);
     connect(&m_workerThread, &QThread::finished, m_worker, &QObject::deleteLater);
     connect(this, &JobManager::launchTestSignal, m_worker, &JobManagerWorker::onLaunchTest);
