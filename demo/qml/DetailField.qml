@@ -1,8 +1,7 @@
 import QtQuick 2.15
-import QtQuick.Layouts 1.15
 
-/// A name and a value below it, which takes as many lines as it needs.
-ColumnLayout {
+/// A name and a value below it, which takes as many lines as it needs. Its width is whatever it is given.
+Column {
     id: field
 
     property alias name: nameLabel.text
@@ -12,17 +11,17 @@ ColumnLayout {
 
     PlainLabel {
         id: nameLabel
+        width: field.width
         color: Theme.textQuiet
         font.pixelSize: Theme.small
-        Layout.fillWidth: true
     }
     PlainLabel {
         objectName: "value"
+        width: field.width
         text: field.value.length > 0 ? field.value : "\u2013"
         wrapMode: Text.Wrap
         elide: Text.ElideNone
         maximumLineCount: 100
         horizontalAlignment: Text.AlignLeft
-        Layout.fillWidth: true
     }
 }

@@ -57,35 +57,34 @@ PageFrame {
         Flickable {
             id: flickable
             clip: true
-            contentHeight: fields.implicitHeight + 2 * Theme.margin
+            contentHeight: card.height + 2 * Theme.margin
             boundsBehavior: Flickable.StopAtBounds
             ScrollBar.vertical: ScrollBar { width: 10 }
             Layout.fillWidth: true
             Layout.fillHeight: true
 
             Rectangle {
+                id: card
                 x: Theme.margin
                 y: Theme.margin
                 width: flickable.width - 2 * Theme.margin
-                height: fields.implicitHeight
+                height: content.height + 2 * Theme.margin
                 radius: Theme.radius
                 color: Theme.card
                 border.width: 1
                 border.color: Theme.line
 
-                GridLayout {
-                    id: fields
-                    width: parent.width
-                    columns: flickable.width >= 600 ? 2 : 1
-                    columnSpacing: 2 * Theme.margin
-                    rowSpacing: Theme.margin
+                // Positioners and not layouts, whose heights go in circles where a text takes several lines.
+                Column {
+                    id: content
+                    x: Theme.margin
+                    y: Theme.margin
+                    width: card.width - 2 * Theme.margin
+                    spacing: Theme.margin
 
                     RowLayout {
+                        width: content.width
                         spacing: 2 * Theme.gap
-                        Layout.columnSpan: fields.columns
-                        Layout.fillWidth: true
-                        Layout.margins: Theme.margin
-                        Layout.bottomMargin: 0
 
                         PlainLabel {
                             objectName: "progress"
@@ -104,35 +103,35 @@ PageFrame {
                             Layout.maximumWidth: 240
                         }
                     }
-                    Repeater {
-                        model: [
-                            { key: "customer", name: qsTr("Customer"), value: texts.customer },
-                            { key: "type", name: qsTr("Type"), value: texts.type },
-                            { key: "number", name: qsTr("Job number"), value: texts.number },
-                            { key: "label", name: qsTr("Work order label"), value: texts.label },
-                            { key: "managedBy", name: qsTr("Managed by"), value: texts.managedBy },
-                            { key: "team", name: qsTr("Team"), value: texts.team },
-                            { key: "archived", name: qsTr("Archived"),
-                              value: texts.archived ? qsTr("Yes") : qsTr("No") },
-                            { key: "modified", name: qsTr("Last modified"),
-                              value: JobTable.timeText(page.modifiedOn) }
-                        ]
-                        delegate: DetailField {
-                            required property var modelData
+                    Flow {
+                        id: fields
+                        readonly property int columns: width >= 600 ? 2 : 1
 
-                            objectName: modelData.key
-                            name: modelData.name
-                            value: modelData.value
-                            Layout.fillWidth: true
-                            Layout.preferredWidth: 1
-                            Layout.alignment: Qt.AlignTop
-                            Layout.leftMargin: Theme.margin
-                            Layout.rightMargin: Theme.margin
+                        width: content.width
+                        spacing: Theme.margin
+
+                        Repeater {
+                            model: [
+                                { key: "customer", name: qsTr("Customer"), value: texts.customer },
+                                { key: "type", name: qsTr("Type"), value: texts.type },
+                                { key: "number", name: qsTr("Job number"), value: texts.number },
+                                { key: "label", name: qsTr("Work order label"), value: texts.label },
+                                { key: "managedBy", name: qsTr("Managed by"), value: texts.managedBy },
+                                { key: "team", name: qsTr("Team"), value: texts.team },
+                                { key: "archived", name: qsTr("Archived"),
+                                  value: texts.archived ? qsTr("Yes") : qsTr("No") },
+                                { key: "modified", name: qsTr("Last modified"),
+                                  value: JobTable.timeText(page.modifiedOn) }
+                            ]
+                            delegate: DetailField {
+                                required property var modelData
+
+                                objectName: modelData.key
+                                width: (fields.width + fields.spacing) / fields.columns - fields.spacing
+                                name: modelData.name
+                                value: modelData.value
+                            }
                         }
-                    }
-                    Item {
-                        implicitHeight: 1
-                        Layout.columnSpan: fields.columns
                     }
                 }
             }

@@ -34,6 +34,14 @@ Screen {
                 + summary.totalNumberOfRequiredTests)
     }
 
+    function test_longValueTakesTheLinesThatItNeeds() {
+        tapJob(jobsPage.requiredList, "WO-2026-004690")
+        const value = findChild(findChild(page, "customer"), "value")
+        compare(value.text, "Stadtwerke Übersee, Abteilung Öffentliche Beleuchtung und Verkehrstechnik")
+        verify(value.lineCount > 1)
+        verify(!value.truncated)
+    }
+
     function test_missingValueShowsAsADash() {
         tapJob(jobsPage.requiredList, "WO-2026-004802")
         compare(field("type"), "–")
