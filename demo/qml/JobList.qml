@@ -37,6 +37,8 @@ Item {
         topMargin: 3
         bottomMargin: 3
         boundsBehavior: Flickable.StopAtBounds
+        // Rows ahead would be made in the background, and a reset that empties the list meanwhile makes the view warn.
+        cacheBuffer: 0
         ScrollBar.vertical: ScrollBar { width: 10 }
 
         delegate: JobRow {

@@ -16,6 +16,8 @@ Screen {
         mouseClick(findChild(page, "pausedButton"))
         verify(JobManager.pauseAutomaticUpdates)
         compare(jobsPage.subtitle, "Updates are paused")
+        // A fetch that is still running would bring the list of before.
+        tryVerify(() => !JobManager.fetchingJobList, aWhile)
         service.createJob("WHILE-PAUSED")
         mouseClick(findChild(page, "liveButton"))
         verify(!JobManager.pauseAutomaticUpdates)
