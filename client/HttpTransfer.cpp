@@ -14,7 +14,7 @@ namespace job_client {
 namespace {
 
 /// Enough for the few headers of a service, and an end to a server that never stops sending them.
-constexpr std::size_t headerCap = 64 * 1024;
+constexpr std::size_t headerCap = std::size_t{ 64 } * 1024;
 
 /// Seconds that an idle connection is kept: less than the service keeps it, so that the two do not meet.
 constexpr long idleConnectionAge = 4;

@@ -8,7 +8,7 @@ namespace job_client {
 namespace {
 
 constexpr std::size_t mostJobs = 8;
-constexpr std::size_t mostBytesOfJobs = 64 * 1024 * 1024;
+constexpr std::size_t mostBytesOfJobs = std::size_t{ 64 } * 1024 * 1024;
 
 /// What came in pieces has room to spare, which is given back.
 std::shared_ptr<const std::string> kept(std::string answer)

@@ -11,8 +11,8 @@ namespace job_client::requests {
 
 namespace {
 
-constexpr std::size_t largeCap = 64 * 1024 * 1024;
-constexpr std::size_t smallCap = 64 * 1024;
+constexpr std::size_t largeCap = std::size_t{ 64 } * 1024 * 1024;
+constexpr std::size_t smallCap = std::size_t{ 64 } * 1024;
 
 HttpRequest request(const char* method, const std::string& path, std::chrono::milliseconds deadline)
 {

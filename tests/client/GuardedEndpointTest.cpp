@@ -50,7 +50,8 @@ TEST(GuardedEndpointTest, aReaderOnAnotherThreadSeesOneValueOrTheOther)
     for (int i = 0; i < 2000; ++i) {
         const std::string read = address;
         EXPECT_TRUE(read == one || read == two);
-        EXPECT_TRUE(port == 1 || port == 2);
+        const unsigned short readPort = port;
+        EXPECT_TRUE(readPort == 1 || readPort == 2);
     }
     writer.join();
 }
