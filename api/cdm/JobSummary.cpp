@@ -1,5 +1,6 @@
 #include "api/cdm/JobSummary.h"
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -41,20 +42,21 @@ bool hasStatus(const nlohmann::json& testOrLocation)
     return status.is_string() && !status.get_ref<const std::string&>().empty();
 }
 
-void count(const nlohmann::json& test, RequiredTestCounts& counts)
+bool isRequired(const nlohmann::json& test, const std::vector<const nlohmann::json*>& locations)
 {
     const bool testRequired = isRequired(test, true);
-    const auto locations = objectsOf(member(test, "testLocations"));
-    bool required = locations.empty() && testRequired;
-    bool completed = !locations.empty() || hasStatus(test);
-    for (const nlohmann::json* location : locations) {
-        if (isRequired(*location, testRequired)) {
-            required = true;
-            completed = completed && hasStatus(*location);
-        }
-    }
-    counts.total += required ? 1 : 0;
-    counts.completed += required && completed ? 1 : 0;
+    if (locations.empty())
+        return testRequired;
+    return std::any_of(locations.begin(), locations.end(),
+        [testRequired](const nlohmann::json* location) { return isRequired(*location, testRequired); });
+}
+
+bool isCompleted(const nlohmann::json& test, const std::vector<const nlohmann::json*>& locations)
+{
+    if (locations.empty())
+        return hasStatus(test);
+    return std::all_of(
+        locations.begin(), locations.end(), [](const nlohmann::json* location) { return hasStatus(*location); });
 }
 
 } // namespace
@@ -62,8 +64,14 @@ void count(const nlohmann::json& test, RequiredTestCounts& counts)
 RequiredTestCounts requiredTestCounts(const nlohmann::json& document)
 {
     RequiredTestCounts counts;
-    for (const nlohmann::json* test : objectsOf(member(document, "tests")))
-        count(*test, counts);
+    for (const nlohmann::json* test : objectsOf(member(document, "tests"))) {
+        const auto locations = objectsOf(member(*test, "testLocations"));
+        if (!isRequired(*test, locations))
+            continue;
+        ++counts.total;
+        if (isCompleted(*test, locations))
+            ++counts.completed;
+    }
     return counts;
 }
 
