@@ -285,7 +285,7 @@ TEST(Samples, requiredTestsAreDoneInPart)
 
 TEST(Samples, requiredTestsOfTheBackboneJobAreCountedByHand)
 {
-    // Required: the traces (fibres 1 to 3 done, 4 is optional), the level and the manual step.
+    // Required: the traces (fibres 1 to 3 measured, 4 is optional and skipped), the level and the manual step.
     const cdm::RequiredTestCounts counts = cdm::requiredTestCounts(jobDocuments().at("WO-2026-004711.job.json"));
     EXPECT_EQ(counts.total, 3);
     EXPECT_EQ(counts.completed, 3);
@@ -315,6 +315,52 @@ TEST(Samples, locationsOfOneTestHaveResultsOfTheirOwn)
                 return states == std::set<std::string>{ "", "fail", "pass" };
             }),
         3);
+}
+
+TEST(Samples, testsWithOneLocationHaveItsResultsOrThoseOfTheWhole)
+{
+    int ofTheLocation = 0;
+    int ofTheWhole = 0;
+    for (const cdm::Test& test : allTests()) {
+        if (!test.testLocations || test.testLocations->size() != 1)
+            continue;
+        const bool located = test.testLocations->front().results.has_value();
+        ofTheLocation += located ? 1 : 0;
+        ofTheWhole += test.results && !located ? 1 : 0;
+    }
+    EXPECT_GE(ofTheLocation, 1);
+    EXPECT_GE(ofTheWhole, 1);
+}
+
+TEST(Samples, testWithSeveralLocationsHasResultsOfTheWholeToo)
+{
+    EXPECT_GE(
+        countOf(allTests(),
+            [](const auto& test) { return test.results && test.testLocations && test.testLocations->size() > 1; }),
+        1);
+}
+
+TEST(Samples, resultDataIsNotAlwaysAnObject)
+{
+    EXPECT_GE(countOf(allResults(), [](const auto& result) { return result.data && result.data->is_array(); }), 1);
+}
+
+TEST(Samples, manualStepIsAnsweredAtALocation)
+{
+    EXPECT_GE(countOf(allLocations(),
+                  [](const auto& location) { return location.results && location.results->response.has_value(); }),
+        1);
+}
+
+TEST(Samples, attributesOfALocationSayWhetherTheyAreShownAndEdited)
+{
+    std::vector<std::pair<std::string, json>> values;
+    for (const cdm::TestLocation& location : allLocations())
+        append(values, location.attributes);
+    for (const char* key : { "visible", "editable" }) {
+        for (const bool flag : { true, false })
+            EXPECT_GE(countOf(values, [&](const auto& value) { return value.second.value(key, json()) == flag; }), 1);
+    }
 }
 
 TEST(Samples, manualStepsHavePrompts)
