@@ -243,13 +243,9 @@ void JobManager::updateDataFromAPI(bool fullUpdate)
 void JobManager::onFetchJobListFinished()
 {
     qCDebug(logCategory) << "Done fetching the job list";
-    const bool fetched = m_fetchingJobList;
     m_api->commitFetchedData();
     doUpdateDataFromAPI();
-    // With the list taken from the cache, a receiver inside the rebuild may have started a fetch: its flag stays up.
-    if (fetched) {
-        m_fetchingJobList = false;
-    }
+    m_fetchingJobList = false;
     Q_EMIT fetchingJobListChanged();
 }
 

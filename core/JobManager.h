@@ -189,7 +189,8 @@ Q_SIGNALS:
     void newJobCreated(Job* job);
 
 public Q_SLOTS:
-    /// Takes over what was fetched, rebuilds the rows, and only then lowers fetchingJobList.
+    /// Takes over what was fetched, rebuilds the rows, and only then lowers fetchingJobList: always, and with its
+    /// signal, so that a fetch which a receiver has started inside a rebuild from the cache goes on without the flag.
     void onFetchJobListFinished();
 
 private Q_SLOTS:

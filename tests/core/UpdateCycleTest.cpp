@@ -4,9 +4,12 @@
 #include "tests/support/SignalRecorder.h"
 
 #include <limits>
+#include <memory>
 #include <QPointer>
 #include <QSignalSpy>
+#include <QTimer>
 #include <QtTest>
+#include <utility>
 
 using namespace jobmanager_test;
 using namespace jobmanager_ui;
@@ -140,21 +143,27 @@ emit jobManagerUpdated())"));
     void wholePathOfAPollGoesThroughTheWorker()
     {
         m_manager->initialize();
+        m_manager->findChild<QTimer*>()->stop(); // the test polls itself
         QTRY_VERIFY(!m_manager->fetchingJobList());
-        m_manager->setPauseAutomaticUpdates(true); // the timer stands aside, the test polls itself
         m_journal.take();
-        m_api->setChangeCount(m_api->getChangeCount() + 5);
-        m_manager->setPauseAutomaticUpdates(false);
+        m_api->setChangeCount(5);
+        poll();
         QTRY_VERIFY(!m_manager->fetchingJobList());
         QStringList entries = m_journal.take();
-        entries.erase(entries.begin(), entries.begin() + entries.indexOf(QStringLiteral("call clearCache()")));
+        QVERIFY(entries.indexOf(QStringLiteral("call fetchJobList() on worker"))
+            > entries.indexOf(QStringLiteral("emit fetchJobList()")));
+        QVERIFY(entries.indexOf(QStringLiteral("call fetchJobList() on worker"))
+            < entries.indexOf(QStringLiteral("debug: Done fetching the job list")));
         QVERIFY(entries.removeOne(QStringLiteral("call fetchJobList() on worker")));
-        QCOMPARE(lines(entries.mid(0, 16)), QStringLiteral(R"(call clearCache()
+        QCOMPARE(lines(entries), QStringLiteral(R"(call getChangeCount()
+debug: Change count changed! Old change count:  0 , new change count:  5
+call clearCache()
 call isJobListInCache()
 debug: Starting fething job list on separate thread
 emit fetchingJobListChanged()
 emit fetchJobList()
 call getSettingsListInfo()
+emit jobManagerUpdated()
 debug: Done fetching the job list
 call commitFetchedData()
 emit modelAboutToBeReset()
@@ -490,6 +499,35 @@ call getSettingsListInfo())"));
         QCOMPARE(m_manager->currentJob(), nullptr);
     }
 
+    void currentJobThatGoesWithItsRowIsReleased()
+    {
+        m_api->setCurrentID(idB);
+        rebuild({ idA, idB });
+        const QPointer<Job> gone = m_manager->currentJob();
+        m_api->setCurrentID(QString());
+        m_journal.take();
+        rebuild({ idA });
+        QVERIFY(gone.isNull());
+        QCOMPARE(m_manager->currentJob(), nullptr);
+        QCOMPARE(m_journal.take().filter(QStringLiteral("emit dataChanged")), QStringList());
+    }
+
+    void currentJobOutsideTheListStaysWhileTheServiceNamesIt()
+    {
+        m_api->setCurrentID(idB);
+        rebuild({ idA, idB });
+        const QPointer<Job> current = m_manager->currentJob();
+        watchCurrentJob();
+        rebuild({ idA });
+        QVERIFY(!current.isNull());
+        QCOMPARE(m_manager->currentJob(), current.data());
+        QCOMPARE(m_seenCurrent, QStringList());
+        rebuild({ idA, idB });
+        QCOMPARE(m_manager->currentJob(), m_manager->getJob(idB));
+        QCOMPARE(m_seenCurrent, QStringList{ idB });
+        QVERIFY(current.isNull());
+    }
+
     void currentJobIsSignalledInsideTheReset()
     {
         m_api->setCurrentID(idA);
@@ -636,7 +674,7 @@ emit modelReset())"));
         QTRY_VERIFY(m_api->count(QStringLiteral("getAllJobIDs")) > rebuilds);
     }
 
-    void fetchStartedInsideARebuildKeepsItsFlag()
+    void rebuildFromTheCacheLowersTheFlagOfAFetchStartedInsideIt()
     {
         m_api->setJobListCached(true);
         bool asked = false;
@@ -645,10 +683,12 @@ emit modelReset())"));
                 m_manager->updateDataFromAPI(true);
             }
         });
+        QList<bool> flags;
+        connect(m_manager.get(), &JobManager::fetchingJobListChanged, this,
+            [&] { flags.append(m_manager->fetchingJobList()); });
         m_manager->updateDataFromAPI(false);
-        QCOMPARE(m_manager->fetchingJobList(), true);
-        m_manager->onFetchJobListFinished();
-        QCOMPARE(m_manager->fetchingJobList(), false);
+        QVERIFY(m_journal.contains(QStringLiteral("emit fetchJobList()")));
+        QCOMPARE(flags, (QList<bool>{ true, false }));
     }
 
     // Pausing.
