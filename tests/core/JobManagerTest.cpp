@@ -5,6 +5,8 @@
 #include "tests/support/RecordingApi.h"
 #include "tests/support/SignalRecorder.h"
 
+#include <algorithm>
+#include <memory>
 #include <QAbstractItemModelTester>
 #include <QIdentityProxyModel>
 #include <QSignalSpy>

@@ -6,8 +6,10 @@
 #include "tests/support/RecordingApi.h"
 #include "tests/support/SignalRecorder.h"
 
+#include <atomic>
 #include <csignal>
 #include <functional>
+#include <memory>
 #include <QElapsedTimer>
 #include <QFile>
 #include <QThread>
@@ -140,7 +142,6 @@ slot onExchangeJob(QString))"));
         QFETCH(QString, finish);
         scriptAnswers();
         JobManagerWorker worker(m_api);
-        QStringList flags;
         connect(&worker, &JobManagerWorker::backgroundRequestInProgressChanged, this, [&] {
             m_journal.add(
                 worker.isBackgroundRequestInProgress() ? QStringLiteral("flag up") : QStringLiteral("flag down"));

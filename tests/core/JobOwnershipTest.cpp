@@ -2,6 +2,8 @@
 #include "tests/support/MessageCollector.h"
 #include "tests/support/RecordingApi.h"
 
+#include <algorithm>
+#include <memory>
 #include <QPointer>
 #include <QQmlComponent>
 #include <QQmlContext>

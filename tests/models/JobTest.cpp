@@ -208,7 +208,6 @@ method updateDataFromAPI())"));
 
     void destructionIsLoggedWithTheNumber()
     {
-
         {
             m_api->setAnswer(QStringLiteral("getJobNumber(\"WO-1\")"), QStringLiteral("4711"));
             const Job job(m_api, id);

@@ -137,7 +137,7 @@ QVariant RecordingApi::call(const char* operation, const QVariantList& arguments
     if (m_held.count(name) == 1) {
         m_waiting.insert(name);
         m_changed.notify_all();
-        m_changed.wait(lock, [&] { return m_held.count(name) == 0; });
+        m_changed.wait_for(lock, stretched(std::chrono::seconds(20)), [&] { return m_held.count(name) == 0; });
         m_waiting.erase(name);
     }
     const auto exact = m_answers.find(text);

@@ -61,7 +61,8 @@ public:
     void keepJobListCached();
     void setSettings(const QHash<QString, QString>& settings);
 
-    /// Lets calls of the operation, from any thread, wait inside it until released.
+    /// Lets calls of the operation, from any thread, wait inside it until released. A call that nobody releases
+    /// goes on after a while, so that a test that fails before it does so still ends.
     void hold(const QString& operation);
     /// Ends the wait of the calls inside and of those to come.
     void release(const QString& operation);
