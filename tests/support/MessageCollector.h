@@ -21,6 +21,8 @@ public:
 
     /// The journal in use.
     Journal& journal() { return m_journal; }
+    /// What it holds.
+    QStringList messages() const { return m_journal.entries(); }
     /// What it holds, which is then forgotten.
     QStringList take() { return m_journal.take(); }
 

@@ -3,8 +3,8 @@
 #include "api/JobManagerAPIAbstraction.h"
 #include "api/rest/JobManagerRestAPI.h"
 
-#include "tests/api/rest/MessageRecorder.h"
 #include "tests/api/rest/StandInClient.h"
+#include "tests/support/MessageCollector.h"
 
 #include <QtTest>
 
@@ -30,7 +30,7 @@ void CreateJobManagerAPITest::init()
 
 void CreateJobManagerAPITest::factoryGivesTheProductionImplementation()
 {
-    const MessageRecorder recorder;
+    const MessageCollector recorder;
     const std::shared_ptr<JobManagerAPIAbstraction> api = JobManagerAPIAbstraction::createJobManagerAPI();
     QVERIFY(dynamic_cast<JobManagerRestAPI*>(api.get()));
     QCOMPARE(api.use_count(), 1L);
@@ -38,7 +38,7 @@ void CreateJobManagerAPITest::factoryGivesTheProductionImplementation()
 
 void CreateJobManagerAPITest::serviceIsOnThisMachineAtTheBuiltInPort()
 {
-    const MessageRecorder recorder;
+    const MessageCollector recorder;
     const auto api = JobManagerAPIAbstraction::createJobManagerAPI();
     QCOMPARE(api->getRestApiPort(), EXPECTED_PORT);
     const std::vector<ClientCall> calls = StandInClient::calls("RestApiJobManager");
@@ -48,16 +48,16 @@ void CreateJobManagerAPITest::serviceIsOnThisMachineAtTheBuiltInPort()
 
 void CreateJobManagerAPITest::factoryLogsHostAndPort()
 {
-    const MessageRecorder recorder;
+    const MessageCollector recorder;
     JobManagerAPIAbstraction::createJobManagerAPI();
     QCOMPARE(recorder.messages(),
-        QStringList(QStringLiteral("debug default: Using JobManagerRestAPI{ host = 127.0.0.1 , port = %1 }")
-                        .arg(EXPECTED_PORT)));
+        QStringList(
+            QStringLiteral("debug: Using JobManagerRestAPI{ host = 127.0.0.1 , port = %1 }").arg(EXPECTED_PORT)));
 }
 
 void CreateJobManagerAPITest::eachCallGivesAnInstanceOfItsOwn()
 {
-    const MessageRecorder recorder;
+    const MessageCollector recorder;
     const auto first = JobManagerAPIAbstraction::createJobManagerAPI();
     const auto second = JobManagerAPIAbstraction::createJobManagerAPI();
     QVERIFY(first != second);

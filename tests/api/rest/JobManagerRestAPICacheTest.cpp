@@ -1,8 +1,8 @@
 #include "api/rest/JobManagerRestAPICache.h"
 
-#include "tests/api/rest/MessageRecorder.h"
 #include "tests/api/rest/Records.h"
 #include "tests/api/rest/StandInClient.h"
+#include "tests/support/MessageCollector.h"
 
 #include <QtTest>
 
@@ -104,7 +104,7 @@ void JobManagerRestAPICacheTest::firstReadFetchesTheListOnce()
     QFETCH(int, jobs);
     StandInClient::setAnswers(answersWithList({ static_cast<std::size_t>(jobs), summaryOf("J") }));
     Cached fresh;
-    const MessageRecorder recorder;
+    const MessageCollector recorder;
     QCOMPARE(static_cast<int>(fresh.cache.getJobList().size()), jobs);
     QVERIFY(fresh.cache.isJobListFetched());
     fresh.cache.getJobList();
@@ -115,11 +115,10 @@ void JobManagerRestAPICacheTest::firstReadFetchesTheListOnce()
 void JobManagerRestAPICacheTest::fetchOfTheListIsLogged()
 {
     Cached fresh;
-    const MessageRecorder recorder;
+    const MessageCollector recorder;
     fresh.cache.getJobList();
     fresh.cache.getJobList();
-    QCOMPARE(
-        recorder.messages(), QStringList(QStringLiteral("debug default: JobManagerRestAPICache: fetching job list")));
+    QCOMPARE(recorder.messages(), QStringList(QStringLiteral("debug: JobManagerRestAPICache: fetching job list")));
 }
 
 void JobManagerRestAPICacheTest::listKeepsTheServicesOrder()
@@ -183,10 +182,10 @@ void JobManagerRestAPICacheTest::unknownJobHasNoSummaryAndIsWarnedOf()
 {
     Cached cached;
     cached.cache.addToCache(std::vector{ summaryOf("J") });
-    const MessageRecorder recorder;
+    const MessageCollector recorder;
     QVERIFY(!cached.cache.getMinimalJobInfo(QStringLiteral("nope")));
-    QCOMPARE(recorder.messages(),
-        QStringList(QStringLiteral("warning default: Failed to get minimal job info for:  \"nope\"")));
+    QCOMPARE(
+        recorder.messages(), QStringList(QStringLiteral("warning: Failed to get minimal job info for:  \"nope\"")));
 }
 
 void JobManagerRestAPICacheTest::newListReplacesTheOldOne()
@@ -195,7 +194,7 @@ void JobManagerRestAPICacheTest::newListReplacesTheOldOne()
     cached.cache.addToCache(std::vector{ summaryOf("old"), summaryOf("J") });
     cached.cache.addToCache(std::vector{ summaryOf("new") });
     QCOMPARE(cached.cache.getJobList(), std::vector<QString>{ QStringLiteral("new") });
-    const MessageRecorder recorder;
+    const MessageCollector recorder;
     QVERIFY(!cached.cache.getMinimalJobInfo(QStringLiteral("old")));
     QVERIFY(cached.cache.getMinimalJobInfo(QStringLiteral("new")));
 }
@@ -279,18 +278,17 @@ void JobManagerRestAPICacheTest::unknownJobGetsADefaultRecordAndIsNotAskedForAga
 void JobManagerRestAPICacheTest::fetchOfARecordIsLogged()
 {
     Cached cached;
-    const MessageRecorder recorder;
+    const MessageCollector recorder;
     cached.cache.fetchJobIfRequired(jobId);
     cached.cache.fetchJobIfRequired(jobId);
-    QCOMPARE(recorder.messages(),
-        QStringList(QStringLiteral("debug default: JobManagerRestAPICache: fetching job:  \"J\"")));
+    QCOMPARE(recorder.messages(), QStringList(QStringLiteral("debug: JobManagerRestAPICache: fetching job:  \"J\"")));
 }
 
 void JobManagerRestAPICacheTest::heldRecordIsReadWithoutFetch()
 {
     Cached cached;
     cached.cache.addToCache(jobOf("J", { { testOf("0") } }));
-    const MessageRecorder recorder;
+    const MessageCollector recorder;
     cached.cache.fetchJobIfRequired(jobId);
     QVERIFY(cached.cache.getCdmJob(jobId));
     QVERIFY(cached.cache.getCdmTest(jobId, idOf(0)));
@@ -344,7 +342,7 @@ void JobManagerRestAPICacheTest::missingTestIsNoMessage()
 {
     Cached cached;
     cached.cache.addToCache(jobOf("J", { { testOf("1") } }));
-    const MessageRecorder recorder;
+    const MessageCollector recorder;
     QVERIFY(!cached.cache.getCdmTest(jobId, idOf(2)));
     QCOMPARE(recorder.messages(), QStringList());
 }
@@ -421,7 +419,7 @@ void JobManagerRestAPICacheTest::afterClearTheListIsFetchedBeforeItIsRead()
     Cached cached;
     cached.cache.addToCache(std::vector{ summaryOf("old") });
     cached.cache.clear();
-    const MessageRecorder recorder;
+    const MessageCollector recorder;
     QVERIFY(!cached.cache.getMinimalJobInfo(QStringLiteral("old")));
     QVERIFY(cached.cache.getMinimalJobInfo(QStringLiteral("new")));
     QCOMPARE(StandInClient::operations(), std::vector<std::string>{ "getJobList" });
@@ -435,14 +433,14 @@ void JobManagerRestAPICacheTest::clearLogsWhatItForgets()
     cached.cache.addToCache(jobOf("K"));
     // The two keys come in the order of the hash.
     const QList<QString> keys = cached.cache.getListOfCachedJobs();
-    const MessageRecorder recorder;
+    const MessageCollector recorder;
     cached.cache.clear();
     const QStringList expected{
-        QStringLiteral("debug default: Cache content: "),
-        QStringLiteral("debug default:   -> Is job list cached:  true"),
-        QStringLiteral("debug default:   -> Cached CdmJobs:  (\"%1\", \"%2\")").arg(keys.at(0), keys.at(1)),
-        QStringLiteral("debug default:   -> Cached test configurations:  ()"),
-        QStringLiteral("debug default: Clearing cache"),
+        QStringLiteral("debug: Cache content: "),
+        QStringLiteral("debug:   -> Is job list cached:  true"),
+        QStringLiteral("debug:   -> Cached CdmJobs:  (\"%1\", \"%2\")").arg(keys.at(0), keys.at(1)),
+        QStringLiteral("debug:   -> Cached test configurations:  ()"),
+        QStringLiteral("debug: Clearing cache"),
     };
     QCOMPARE(recorder.messages(), expected);
 }
@@ -450,14 +448,14 @@ void JobManagerRestAPICacheTest::clearLogsWhatItForgets()
 void JobManagerRestAPICacheTest::clearOfAnEmptyCacheLogsEmptyLists()
 {
     Cached cached;
-    const MessageRecorder recorder;
+    const MessageCollector recorder;
     cached.cache.clear();
     const QStringList expected{
-        QStringLiteral("debug default: Cache content: "),
-        QStringLiteral("debug default:   -> Is job list cached:  false"),
-        QStringLiteral("debug default:   -> Cached CdmJobs:  ()"),
-        QStringLiteral("debug default:   -> Cached test configurations:  ()"),
-        QStringLiteral("debug default: Clearing cache"),
+        QStringLiteral("debug: Cache content: "),
+        QStringLiteral("debug:   -> Is job list cached:  false"),
+        QStringLiteral("debug:   -> Cached CdmJobs:  ()"),
+        QStringLiteral("debug:   -> Cached test configurations:  ()"),
+        QStringLiteral("debug: Clearing cache"),
     };
     QCOMPARE(recorder.messages(), expected);
 }

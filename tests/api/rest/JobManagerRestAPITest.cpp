@@ -1,9 +1,9 @@
 #include "api/rest/JobManagerRestAPI.h"
 
-#include "tests/api/rest/MessageRecorder.h"
 #include "tests/api/rest/OnStandIn.h"
 #include "tests/api/rest/Records.h"
 #include "tests/api/rest/StandInClient.h"
+#include "tests/support/MessageCollector.h"
 
 #include <QtTest>
 
@@ -19,7 +19,7 @@ namespace {
 
 const QString known = QStringLiteral("J");
 const QString unknown = QStringLiteral("nope");
-const QString warningForUnknown = QStringLiteral("warning default: Failed to get minimal job info for:  \"nope\"");
+const QString warningForUnknown = QStringLiteral("warning: Failed to get minimal job info for:  \"nope\"");
 
 /// A summary with a value in every field.
 RestApiJobManager::MinimalJobInfo fullSummary()
@@ -133,7 +133,7 @@ void JobManagerRestAPITest::jobNumberIsTheIdWithoutAnyLookup()
     QFETCH(QString, id);
     answerWithList({ summaryOf("J") });
     OnStandIn api;
-    const MessageRecorder recorder;
+    const MessageCollector recorder;
     const QString number = api->getJobNumber(id);
     QCOMPARE(number, id);
     QCOMPARE(number.isNull(), id.isNull());
@@ -210,7 +210,7 @@ void JobManagerRestAPITest::textOfAnUnknownJobIsEmptyAndWarnedOf()
     answerWithList({ fullSummary() });
     OnStandIn api;
     api->getAllJobIDs();
-    const MessageRecorder recorder;
+    const MessageCollector recorder;
     const QString text = ((*api).*getter)(unknown);
     QVERIFY(text.isEmpty());
     QTEST(text.isNull(), "nullIfUnknown");
@@ -241,7 +241,7 @@ void JobManagerRestAPITest::numberOfAnUnknownJobIsZeroAndWarnedOf()
     answerWithList({ fullSummary() });
     OnStandIn api;
     api->getAllJobIDs();
-    const MessageRecorder recorder;
+    const MessageCollector recorder;
     QCOMPARE(((*api).*getter)(unknown), 0);
     QCOMPARE(recorder.messages(), QStringList(warningForUnknown));
 }
@@ -268,7 +268,7 @@ void JobManagerRestAPITest::unknownJobIsArchivedAndWarnedOf()
     answerWithList({ fullSummary() });
     OnStandIn api;
     api->getAllJobIDs();
-    const MessageRecorder recorder;
+    const MessageCollector recorder;
     QCOMPARE(api->isJobArchived(unknown), true);
     QCOMPARE(recorder.messages(), QStringList(warningForUnknown));
 }
@@ -285,7 +285,7 @@ void JobManagerRestAPITest::teamOfAnUnknownJobIsEmptyAndWarnedOf()
     answerWithList({ fullSummary() });
     OnStandIn api;
     api->getAllJobIDs();
-    const MessageRecorder recorder;
+    const MessageCollector recorder;
     QCOMPARE(api->getTeamTechIds(unknown), QStringList());
     QCOMPARE(recorder.messages(), QStringList(warningForUnknown));
 }
@@ -374,11 +374,10 @@ void JobManagerRestAPITest::templatesAreListedAndLogged_data()
 {
     QTest::addColumn<QStringList>("templates");
     QTest::addColumn<QString>("message");
-    QTest::newRow("none") << QStringList() << QStringLiteral("debug default: Templates:  ()");
-    QTest::newRow("one") << QStringList{ QStringLiteral("fiber") }
-                         << QStringLiteral("debug default: Templates:  (\"fiber\")");
+    QTest::newRow("none") << QStringList() << QStringLiteral("debug: Templates:  ()");
+    QTest::newRow("one") << QStringList{ QStringLiteral("fiber") } << QStringLiteral("debug: Templates:  (\"fiber\")");
     QTest::newRow("two") << QStringList{ QStringLiteral("fiber"), QStringLiteral("Kupfer groß") }
-                         << QStringLiteral("debug default: Templates:  (\"fiber\", \"Kupfer groß\")");
+                         << QStringLiteral("debug: Templates:  (\"fiber\", \"Kupfer groß\")");
 }
 
 void JobManagerRestAPITest::templatesAreListedAndLogged()
@@ -390,7 +389,7 @@ void JobManagerRestAPITest::templatesAreListedAndLogged()
         answers.templates.push_back(name.toStdString());
     StandInClient::setAnswers(answers);
     OnStandIn api;
-    const MessageRecorder recorder;
+    const MessageCollector recorder;
     QCOMPARE(api->fetchJobTemplates(), templates);
     QCOMPARE(recorder.messages(), QStringList(message));
 }

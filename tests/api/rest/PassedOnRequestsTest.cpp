@@ -1,9 +1,9 @@
 // The operations of the REST implementation that only convert, call the client and pass its result on.
 
-#include "tests/api/rest/MessageRecorder.h"
 #include "tests/api/rest/OnStandIn.h"
 #include "tests/api/rest/Records.h"
 #include "tests/api/rest/StandInClient.h"
+#include "tests/support/MessageCollector.h"
 
 #include <functional>
 #include <QtTest>
@@ -117,7 +117,7 @@ void PassedOnRequestsTest::requestIsOneCallWithTextsAsUtf8()
     QFETCH(QByteArray, operation);
     QFETCH(Texts, arguments);
     OnStandIn api;
-    const MessageRecorder recorder;
+    const MessageCollector recorder;
     request(*api);
     QCOMPARE(StandInClient::operations(), Texts{ operation.toStdString() });
     QCOMPARE(StandInClient::calls().front().arguments, arguments);
@@ -133,7 +133,7 @@ void PassedOnRequestsTest::resultIsTheClients()
     QFETCH(Request, request);
     QFETCH(QByteArray, operation);
     OnStandIn api;
-    const MessageRecorder recorder;
+    const MessageCollector recorder;
     for (const bool success : { true, false }) {
         ClientAnswers answers;
         answers.success[operation.toStdString()] = success;
@@ -172,7 +172,7 @@ void PassedOnRequestsTest::requestLeavesTheCacheAlone()
     answers.jobs[job.toStdString()] = jobOf(job.toStdString(), { { testOf("2") } });
     StandInClient::setAnswers(answers);
     OnStandIn api;
-    const MessageRecorder recorder;
+    const MessageCollector recorder;
     const std::vector<QString> jobs = api->getAllJobIDs();
     const std::vector<long long> tests = api->getAllTestIDs(job);
     request(*api);
@@ -289,10 +289,10 @@ void PassedOnRequestsTest::restoringDoesNotLookAtTheCurrentJob()
 void PassedOnRequestsTest::manualResultIsLoggedAsFourItems()
 {
     OnStandIn api;
-    const MessageRecorder recorder;
+    const MessageCollector recorder;
     api->setManualTestResult(job, idOf(2), QStringLiteral("yes"), QString());
     QCOMPARE(recorder.messages(),
-        QStringList(QStringLiteral("debug default: JobManagerRestAPI setting manual test result to: \"yes\" ,  \"\"")));
+        QStringList(QStringLiteral("debug: JobManagerRestAPI setting manual test result to: \"yes\" ,  \"\"")));
 }
 
 void PassedOnRequestsTest::manualResultNamesTestOrLocation_data()
@@ -309,7 +309,7 @@ void PassedOnRequestsTest::manualResultNamesTestOrLocation()
     QFETCH(qlonglong, id);
     QFETCH(QByteArray, uiIndex);
     OnStandIn api;
-    const MessageRecorder recorder;
+    const MessageCollector recorder;
     api->setManualTestResult(QStringLiteral("no job at all"), id, QStringLiteral("yes"), QString());
     QCOMPARE(StandInClient::operations(), Texts{ "setManualTestResponse" });
     QCOMPARE(StandInClient::calls().front().arguments, (Texts{ "yes", "", uiIndex.toStdString() }));
@@ -326,7 +326,7 @@ void PassedOnRequestsTest::manualResultShowsOnlyAfterAFetch()
     };
     answerWithResponse("old");
     OnStandIn api;
-    const MessageRecorder recorder;
+    const MessageCollector recorder;
     QCOMPARE(api->getTestResponse(job, idOf(2)), QStringLiteral("old"));
     api->setManualTestResult(job, idOf(2), QStringLiteral("new"), QString());
     answerWithResponse("new");

@@ -1,10 +1,10 @@
 // The reads of tests of the REST implementation: which tests a job has, and what they are.
 
-#include "tests/api/rest/MessageRecorder.h"
 #include "tests/api/rest/OnStandIn.h"
 #include "tests/api/rest/Records.h"
 #include "tests/api/rest/StandInClient.h"
 #include "tests/api/rest/WithTest.h"
+#include "tests/support/MessageCollector.h"
 
 #include <QtTest>
 
@@ -127,7 +127,7 @@ void TestReadsTest::textOfAnUnknownTestIsNull()
     cdm::Test test = testWithResults(resultsOf("pass", {}, "yes"));
     test.testType = "type";
     WithTest api(test);
-    const MessageRecorder recorder;
+    const MessageCollector recorder;
     QVERIFY(((*api).*getter)(job, idOf(99)).isNull());
     QCOMPARE(recorder.messages(), QStringList());
     QVERIFY(((*api).*getter)(QStringLiteral("no job"), idOf(0)).isNull());
@@ -306,7 +306,7 @@ void TestReadsTest::readsAnswerFromTheCache()
 {
     WithTest api(testWithResults(resultsOf("pass", "2026-03-01T08:15:00Z", "yes")));
     StandInClient::forgetCalls();
-    const MessageRecorder recorder;
+    const MessageCollector recorder;
     api->getTestType(job, idOf(0));
     api->getTestTypeDisplayName(job, idOf(0));
     api->getTestDescription(job, idOf(0));

@@ -1,10 +1,10 @@
 // What the REST implementation reads from the results of tests and their locations.
 
-#include "tests/api/rest/MessageRecorder.h"
 #include "tests/api/rest/OnStandIn.h"
 #include "tests/api/rest/Records.h"
 #include "tests/api/rest/StandInClient.h"
 #include "tests/api/rest/WithTest.h"
+#include "tests/support/MessageCollector.h"
 
 #include <QtTest>
 
@@ -16,7 +16,7 @@ Q_DECLARE_METATYPE(cdm::Test)
 namespace {
 
 const QString badMarkMessage =
-    QStringLiteral("debug default: Exceptions when extracting the ijm_additionalTest from a json object");
+    QStringLiteral("debug: Exceptions when extracting the ijm_additionalTest from a json object");
 
 /// Columns and rows that are the same for all that is read from results: which results count for which id.
 /// `own`, `first` and `second` are what the test and its two locations hold, `none` what an empty answer looks like.
@@ -302,7 +302,7 @@ void TestResultReadsTest::additionalMarkTellsAddedFromOptional()
     cdm::Test test = testWithResults(resultsWithData(nlohmann::json::parse(data.toStdString())));
     test.required = required;
     WithTest api(test);
-    const MessageRecorder recorder;
+    const MessageCollector recorder;
     QTEST(static_cast<int>(api->getTestRequired(job, idOf(0))), "requirement");
     QCOMPARE(recorder.messages(), logged ? QStringList(badMarkMessage) : QStringList());
 }

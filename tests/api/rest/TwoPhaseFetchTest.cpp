@@ -1,10 +1,10 @@
 // The two-phase fetch of the REST implementation: what the worker thread fetches, and when readers see it.
 
-#include "tests/api/rest/MessageRecorder.h"
 #include "tests/api/rest/OnStandIn.h"
 #include "tests/api/rest/Records.h"
 #include "tests/api/rest/StandInClient.h"
 #include "tests/support/Deadline.h"
+#include "tests/support/MessageCollector.h"
 
 #include <atomic>
 #include <future>
@@ -90,7 +90,7 @@ private Q_SLOTS:
 
 private:
     /// Keeps the log of fetches and clears off the terminal.
-    std::optional<MessageRecorder> m_recorder;
+    std::optional<MessageCollector> m_recorder;
 };
 
 void TwoPhaseFetchTest::init()
