@@ -84,6 +84,7 @@ void TestIdentifiersTest::indexStringGivesTwoIndices_data()
     QTest::newRow("leading 0x is hexadecimal") << QByteArray("0x1F_0xa") << 31 << 10;
     QTest::newRow("negative") << QByteArray("-3_-4") << -3 << -4;
     QTest::newRow("cut to 32 bits") << QByteArray("4294967298_8589934595") << 2 << 3;
+    QTest::newRow("beyond 64 bits") << QByteArray("99999999999999999999_-99999999999999999999") << -1 << 0;
 }
 
 void TestIdentifiersTest::indexStringGivesTwoIndices()

@@ -76,6 +76,7 @@ private Q_SLOTS:
     void commitAppliesOnce();
     void laterListReplacesAPendingOne();
     void laterRecordReplacesAPendingOneOfTheSameJob();
+    void laterRecordReplacesAPendingOneOfTheSameRequestWhateverItsId();
     void recordsOfSeveralJobsAreCommittedTogether();
     void emptyListIsCommittedAsAList();
     void recordIsCommittedUnderItsOwnId();
@@ -259,6 +260,20 @@ void TwoPhaseFetchTest::laterRecordReplacesAPendingOneOfTheSameJob()
     QVERIFY(api->commitFetchedData());
     QCOMPARE(api->getTestType(job, idOf(0)), text("second"));
     QVERIFY(!api->commitFetchedData());
+}
+
+void TwoPhaseFetchTest::laterRecordReplacesAPendingOneOfTheSameRequestWhateverItsId()
+{
+    OnStandIn api;
+    for (const char* own : { "first", "second" }) {
+        ClientAnswers answers;
+        answers.jobs["J"] = jobWithType(own, "type");
+        StandInClient::setAnswers(answers);
+        api->fetchJob(job);
+    }
+    QVERIFY(api->commitFetchedData());
+    QVERIFY(!api->isJobInCache(text("first")));
+    QVERIFY(api->isJobInCache(text("second")));
 }
 
 void TwoPhaseFetchTest::recordsOfSeveralJobsAreCommittedTogether()
