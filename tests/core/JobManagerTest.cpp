@@ -10,6 +10,7 @@
 #include <QAbstractItemModelTester>
 #include <QIdentityProxyModel>
 #include <QSignalSpy>
+#include <QThread>
 #include <QTimer>
 #include <QtTest>
 
@@ -34,6 +35,17 @@ JobSummary modified(const QString& modifiedOn, bool archived = false)
     summary.archived = archived;
     return summary;
 }
+
+/// Tells how urgently the thread runs that fetches the job list.
+class PriorityApi : public RecordingApi
+{
+public:
+    bool fetchJobList() override
+    {
+        journal().add(QStringLiteral("priority %1").arg(QThread::currentThread()->priority()));
+        return RecordingApi::fetchJobList();
+    }
+};
 
 /// A list model as Qt's model tester wants it: the manager's rowCount ignores its parent by design, which the tester
 /// takes for children that cannot be reached.
@@ -401,6 +413,14 @@ method updateSettingsFromDb())"));
         m_manager->initialize();
         m_journal.take();
         QTRY_VERIFY(m_api->count(QStringLiteral("getChangeCount")) >= 2);
+    }
+
+    void workersThreadInheritsItsPriority()
+    {
+        const auto api = std::make_shared<PriorityApi>();
+        JobManager manager(api);
+        manager.initialize();
+        QVERIFY(api->journal().waitFor(QStringLiteral("priority %1").arg(QThread::InheritPriority)));
     }
 
     void viewsAreSetUp()

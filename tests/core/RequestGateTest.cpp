@@ -33,8 +33,8 @@ private:
 
 } // namespace
 
-/// An object behind the gate lives on a thread of its own. Its first call holds that thread until the test lets go,
-/// so that all that is queued meanwhile is taken up in one go.
+/// An object behind the gate lives on a thread of its own. What is queued before that thread starts is taken up in
+/// one go, and would all be delivered even if the thread were told to quit meanwhile.
 class RequestGateTest : public QObject
 {
     Q_OBJECT
@@ -70,31 +70,28 @@ private Q_SLOTS:
 
     void waitingCallsAreDroppedAfterAnInterruption()
     {
-        holdTheThread();
+        queueHeldCall();
         call(QStringLiteral("one"));
         call(QStringLiteral("two"));
-        m_thread->requestInterruption();
-        letGo();
+        interruptDuringTheHeldCall();
         end();
         QCOMPARE(m_journal.take(), (QStringList{ QStringLiteral("held call ends"), QStringLiteral("deleted") }));
     }
 
     void otherEventsPassAfterAnInterruption()
     {
-        holdTheThread();
+        queueHeldCall();
         QCoreApplication::postEvent(m_guarded, new QEvent(ownEvent));
-        m_thread->requestInterruption();
-        letGo();
+        interruptDuringTheHeldCall();
         QVERIFY(m_journal.waitFor(QStringLiteral("event")));
     }
 
     void objectCanBeDeletedLaterAfterAnInterruption()
     {
-        holdTheThread();
+        queueHeldCall();
         call(QStringLiteral("one"));
         m_guarded->deleteLater();
-        m_thread->requestInterruption();
-        letGo();
+        interruptDuringTheHeldCall();
         QVERIFY(m_journal.waitFor(QStringLiteral("deleted")));
         QCOMPARE(m_journal.take(), (QStringList{ QStringLiteral("held call ends"), QStringLiteral("deleted") }));
     }
@@ -106,9 +103,9 @@ private:
             m_guarded, [this, entry] { m_journal.add(entry); }, Qt::QueuedConnection);
     }
 
-    void holdTheThread()
+    /// A call that does not return before the test lets it.
+    void queueHeldCall()
     {
-        m_thread->start();
         QMetaObject::invokeMethod(
             m_guarded,
             [this] {
@@ -117,10 +114,15 @@ private:
                 m_journal.add(QStringLiteral("held call ends"));
             },
             Qt::QueuedConnection);
-        m_entered.acquire();
     }
 
-    void letGo() { m_released.release(); }
+    void interruptDuringTheHeldCall()
+    {
+        m_thread->start();
+        m_entered.acquire();
+        m_thread->requestInterruption();
+        m_released.release();
+    }
 
     void end()
     {

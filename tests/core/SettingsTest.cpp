@@ -103,6 +103,15 @@ private Q_SLOTS:
                 QStringLiteral("emit groupTypeChanged()") }));
     }
 
+    void groupTypeThatIsNoLongerStoredIsTheDefaultAgain()
+    {
+        m_api->setSettings({ { QStringLiteral("groupType"), QStringLiteral("2") } });
+        m_manager->updateSettingsFromDb();
+        m_api->setSettings({});
+        m_manager->updateSettingsFromDb();
+        QCOMPARE(m_manager->groupType(), TestGroupType::DEFAULT_VIEW);
+    }
+
     void everyUpdateReadsTheSettings()
     {
         m_api->setSettings({ { QStringLiteral("groupType"), QStringLiteral("3") } });
