@@ -10,9 +10,8 @@ namespace {
 std::string currentLocalTime()
 {
     const std::time_t now = std::time(nullptr);
-    // Records are made on several threads at once, and localtime() shares one buffer among them. Unlike it,
-    // localtime_r() does not look at the time zone again by itself.
-    tzset();
+    // Records are made on several threads at once, and localtime() shares one buffer among all copies of this code
+    // in the process. localtime_r() takes the time zone that the process looked at last.
     std::tm local{};
     if (localtime_r(&now, &local) == nullptr)
         return {};
