@@ -73,6 +73,12 @@ CommandLine parseCommandLine(const std::vector<std::string>& arguments)
                 throw UsageError(name + " needs a value");
             return arguments[++i];
         };
+        const auto path = [&] {
+            std::string text = value();
+            if (text.empty())
+                throw UsageError(name + " needs a value");
+            return text;
+        };
 
         if (arguments[i] == "--help" || arguments[i] == "-h")
             line.help = true;
@@ -81,9 +87,9 @@ CommandLine parseCommandLine(const std::vector<std::string>& arguments)
         else if (name == "--port")
             line.port = parsePort(value());
         else if (name == "--data")
-            line.data = value();
+            line.data = path();
         else if (name == "--load")
-            line.load.emplace_back(value());
+            line.load.emplace_back(path());
         else if (name == "--generate")
             line.generate = parseGenerate(value());
         else if (name == "--tech-id")

@@ -34,6 +34,11 @@ TEST(CommandLineTest, everyOptionIsRead)
     EXPECT_TRUE(line.version);
 }
 
+TEST(CommandLineTest, theTechnicianMayBeEmpty)
+{
+    EXPECT_EQ(parseCommandLine({ "--tech-id=" }).techId, "");
+}
+
 class BadArguments : public testing::TestWithParam<Arguments>
 {
 };
@@ -46,7 +51,8 @@ TEST_P(BadArguments, areAUsageError)
 INSTANTIATE_TEST_SUITE_P(Lines, BadArguments,
     testing::Values(Arguments{ "--prot", "1" }, Arguments{ "stray" }, Arguments{ "--port" }, Arguments{ "--port", "" },
         Arguments{ "--port", "65536" }, Arguments{ "--port", "-1" }, Arguments{ "--port", "80x" },
-        Arguments{ "--help=yes" }, Arguments{ "--generate", "jobs" }, Arguments{ "--generate", "jobs=" },
+        Arguments{ "--data=" }, Arguments{ "--data", "" }, Arguments{ "--load=" }, Arguments{ "--help=yes" },
+        Arguments{ "--generate", "jobs" }, Arguments{ "--generate", "jobs=" },
         Arguments{ "--generate", "jobs=1,tests=-1" }, Arguments{ "--generate", "rows=1" },
         Arguments{ "--generate", "jobs=1000001" }));
 
