@@ -9,6 +9,7 @@
 #include <boost/asio/post.hpp>
 #include <boost/asio/steady_timer.hpp>
 #include <boost/beast/core/flat_buffer.hpp>
+#include <boost/beast/core/string.hpp>
 #include <boost/beast/core/tcp_stream.hpp>
 #include <boost/beast/http/parser.hpp>
 #include <boost/beast/http/read.hpp>
@@ -59,6 +60,12 @@ HttpHead headOf(const http::request_parser<http::string_body>& parser)
         head.contentLength = *length;
     head.chunked = parser.chunked();
     return head;
+}
+
+/// Whether the peer expects "100 Continue" before it sends the body. HTTP/1.0 does not know of it.
+bool awaitsContinue(const http::request_parser<http::string_body>& parser)
+{
+    return parser.get().version() == 11 && beast::iequals(parser.get()[http::field::expect], "100-continue");
 }
 
 /// The answer to bytes that are no request.
@@ -226,6 +233,27 @@ private:
             return;
         }
         m_stream.expires_after(m_listener.limits.requestDeadline);
+        if (awaitsContinue(*m_parser))
+            askForBody();
+        else
+            readBody();
+    }
+
+    /// The peer holds the body back until it is told that it is welcome, or has waited a while.
+    void askForBody()
+    {
+        m_response.emplace(http::status::continue_, 11);
+        http::async_write(m_stream, *m_response, [self = shared_from_this()](const ErrorCode& error, std::size_t) {
+            self->m_response.reset();
+            if (error)
+                self->close();
+            else
+                self->readBody();
+        });
+    }
+
+    void readBody()
+    {
         http::async_read(
             m_stream, m_buffer, *m_parser, [self = shared_from_this()](const ErrorCode& bodyError, std::size_t) {
                 if (bodyError)

@@ -197,6 +197,7 @@ INSTANTIATE_TEST_SUITE_P(Bytes, StalledRequest,
     testing::Values(StallCase{ "idle", "" }, StallCase{ "halfAHead", "GET /quick HTTP/1.1\r\nX: " },
         StallCase{ "halfABody", "PUT /worker HTTP/1.1\r\nContent-Length: 10\r\n\r\nabc" },
         StallCase{ "chunksWithoutEnd", "PUT /worker HTTP/1.1\r\nTransfer-Encoding: chunked\r\n\r\n1\r\nx\r\n" },
+        StallCase{ "noBodyAfterContinue", "PUT /worker HTTP/1.1\r\nContent-Length: 3\r\nExpect: 100-continue\r\n\r\n" },
         StallCase{ "idleAfterAnAnswer", "GET /quick HTTP/1.1\r\n\r\n" }),
     [](const auto& row) { return std::string(row.param.name); });
 
@@ -332,6 +333,39 @@ TEST_F(HttpServerTest, aBodyOverTheLimitIsRefusedAndTheConnectionCloses)
     }
     Connection fits(port());
     EXPECT_EQ(fits.request("PUT /worker HTTP/1.1\r\nContent-Length: 100\r\n\r\n" + std::string(100, 'x')).status, 200);
+}
+
+TEST_F(HttpServerTest, whoExpectsToBeAskedForTheBodyIsAskedBeforeItComes)
+{
+    start();
+    Connection connection(port());
+    const std::string head = "PUT /worker HTTP/1.1\r\nContent-Length: 3\r\nExpect: 100-Continue\r\n\r\n";
+    for (const std::string& body : { std::string("abc"), std::string("def") }) {
+        const HttpReply asked = connection.request(head);
+        EXPECT_EQ(asked.status, 100);
+        EXPECT_EQ(asked.body, "");
+        const HttpReply answer = connection.request(body);
+        EXPECT_EQ(answer.status, 200);
+        EXPECT_EQ(answer.body, body);
+    }
+}
+
+TEST_F(HttpServerTest, whoseBodyWouldBeRefusedIsNotAskedForIt)
+{
+    start();
+    for (const char* head :
+        { "PUT /worker HTTP/1.1\r\nContent-Length: 101\r\n", "PUT /unknown HTTP/1.1\r\nContent-Length: 3\r\n" }) {
+        Connection connection(port());
+        EXPECT_GE(connection.request(std::string(head) + "Expect: 100-continue\r\n\r\n").status, 400) << head;
+    }
+}
+
+TEST_F(HttpServerTest, anOldClientIsNotAskedForTheBody)
+{
+    start();
+    const HttpReply answer =
+        Connection(port()).request("PUT /worker HTTP/1.0\r\nContent-Length: 3\r\nExpect: 100-continue\r\n\r\nabc");
+    EXPECT_EQ(answer.status, 200);
 }
 
 TEST_F(HttpServerTest, anAnswerThatNobodyReadsIsGivenUp)
