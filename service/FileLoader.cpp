@@ -10,7 +10,7 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
-#include <vector>
+#include <utility>
 
 namespace job_service {
 
@@ -97,21 +97,13 @@ template <typename Reading> auto readOrSkip(const fs::path& file, Reading readin
     return std::nullopt;
 }
 
-std::vector<fs::path> filesOf(const fs::path& fileOrFolder)
-{
-    if (!fs::is_directory(fs::status(fileOrFolder)))
-        return { fileOrFolder };
-    std::vector<fs::path> files;
-    const auto options = fs::directory_options::skip_permission_denied;
-    for (const fs::directory_entry& entry : fs::recursive_directory_iterator(fileOrFolder, options)) {
-        if (endsWith(entry.path(), jobSuffix) || endsWith(entry.path(), templateSuffix))
-            files.push_back(entry.path());
-    }
-    std::sort(files.begin(), files.end());
-    return files;
-}
-
 } // namespace
+
+FileLoader::FileLoader(JobStore& store, std::function<void()> beforeEach)
+    : m_store(store)
+    , m_beforeEach(std::move(beforeEach))
+{
+}
 
 void FileLoader::load(const fs::path& fileOrFolder)
 {
@@ -130,8 +122,24 @@ void FileLoader::load(const fs::path& fileOrFolder)
     loadJobs(jobFiles);
 }
 
+std::vector<fs::path> FileLoader::filesOf(const fs::path& fileOrFolder) const
+{
+    if (!fs::is_directory(fs::status(fileOrFolder)))
+        return { fileOrFolder };
+    std::vector<fs::path> files;
+    const auto options = fs::directory_options::skip_permission_denied;
+    for (const fs::directory_entry& entry : fs::recursive_directory_iterator(fileOrFolder, options)) {
+        m_beforeEach();
+        if (endsWith(entry.path(), jobSuffix) || endsWith(entry.path(), templateSuffix))
+            files.push_back(entry.path());
+    }
+    std::sort(files.begin(), files.end());
+    return files;
+}
+
 void FileLoader::loadTemplate(const fs::path& file)
 {
+    m_beforeEach();
     readOrSkip(file, [&] {
         const std::string text = contentOf(file);
         m_store.putTemplate(checkedTemplateName(text), text);
@@ -145,6 +153,7 @@ void FileLoader::loadJobs(const std::vector<fs::path>& files)
     std::size_t index = 0;
     const auto next = [&]() -> std::optional<StoredJob> {
         while (index < files.size()) {
+            m_beforeEach();
             const fs::path& file = files[index++];
             if (std::optional<StoredJob> job = readOrSkip(file, [&] { return jobFromFile(contentOf(file), now); }))
                 return job;

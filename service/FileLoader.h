@@ -3,6 +3,8 @@
 #include "service/JobStore.h"
 
 #include <filesystem>
+#include <functional>
+#include <vector>
 
 namespace job_service {
 
@@ -14,8 +16,10 @@ namespace job_service {
 class FileLoader
 {
 public:
-    /// `store` must outlive the object.
-    explicit FileLoader(JobStore& store) : m_store(store) { }
+    /// `store` must outlive the object. `beforeEach` runs before each file; what it throws ends the loading, of which
+    /// the templates that were read stay.
+    explicit FileLoader(
+        JobStore& store, std::function<void()> beforeEach = [] {});
 
     /// Loads a file, or the files of a folder and its subfolders in the order of their names. Throws SqliteError,
     /// and std::filesystem::filesystem_error if there is nothing of this name or the folder cannot be read.
@@ -23,7 +27,9 @@ public:
 
 private:
     JobStore& m_store;
+    std::function<void()> m_beforeEach;
 
+    std::vector<std::filesystem::path> filesOf(const std::filesystem::path& fileOrFolder) const;
     void loadTemplate(const std::filesystem::path& file);
     void loadJobs(const std::vector<std::filesystem::path>& files);
 };

@@ -142,12 +142,13 @@ json generatedJob(std::size_t number, std::size_t tests)
     return { { "cdmVersion", "2.2" }, { "details", std::move(details) }, { "tests", std::move(list) } };
 }
 
-std::size_t generateJobs(JobStore& store, const GenerateSize& size)
+std::size_t generateJobs(JobStore& store, const GenerateSize& size, const std::function<void()>& beforeEach)
 {
     std::size_t number = 0;
     const auto next = [&]() -> std::optional<StoredJob> {
         if (number == size.jobs)
             return std::nullopt;
+        beforeEach();
         const json document = generatedJob(number++, size.tests);
         return storedJob(document, cdm::dumpJson(document));
     };

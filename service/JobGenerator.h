@@ -4,6 +4,7 @@
 #include "service/JobStore.h"
 
 #include <cstddef>
+#include <functional>
 #include <nlohmann/json.hpp>
 
 namespace job_service {
@@ -13,7 +14,9 @@ namespace job_service {
 nlohmann::json generatedJob(std::size_t number, std::size_t tests);
 
 /// Adds the first `size.jobs` generated jobs as one change; a job whose id is known stays as it is.
-/// Returns how many were added. Throws SqliteError.
-std::size_t generateJobs(JobStore& store, const GenerateSize& size);
+/// `beforeEach` runs before each job; what it throws leaves this function, and none is added. Returns how many were
+/// added. Throws SqliteError.
+std::size_t generateJobs(
+    JobStore& store, const GenerateSize& size, const std::function<void()>& beforeEach = [] {});
 
 } // namespace job_service

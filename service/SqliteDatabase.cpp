@@ -2,6 +2,7 @@
 
 #include "service/SqliteStatement.h"
 
+#include <cerrno>
 #include <sqlite3.h>
 
 namespace job_service {
@@ -12,6 +13,12 @@ constexpr int busyTimeoutMs = 2000;
 /// A job document of the greatest size, its summary and some room.
 constexpr int greatestValue = 20 * 1024 * 1024;
 constexpr int greatestStatement = 100 * 1024;
+
+/// SQLite itself knows ENOSPC alone, and that not for all of its files.
+bool isWantOfRoom(int systemError)
+{
+    return systemError == ENOSPC || systemError == EDQUOT || systemError == EFBIG;
+}
 
 } // namespace
 
@@ -48,9 +55,18 @@ void SqliteDatabase::keepLogOnClose(bool keep)
 
 void SqliteDatabase::execute(const char* sql)
 {
+    errno = 0;
     const int result = sqlite3_exec(handle(), sql, nullptr, nullptr, nullptr);
     if (result != SQLITE_OK)
-        throw SqliteError(result & 0xff, sqlite3_errmsg(handle()));
+        throw failure(result);
+}
+
+SqliteError SqliteDatabase::failure(int result) const
+{
+    const int code = result & 0xff;
+    if (code == SQLITE_IOERR && isWantOfRoom(errno))
+        return { SQLITE_FULL, sqlite3_errmsg(handle()) };
+    return { code, sqlite3_errmsg(handle()) };
 }
 
 std::string SqliteDatabase::queryText(const char* sql)

@@ -25,6 +25,9 @@ public:
     int queryInteger(const char* sql);
 
     sqlite3* handle() const { return m_handle.get(); }
+    /// What to throw for a result other than success of the call that was just made, on this thread and with errno
+    /// cleared before it. A want of room is SQLITE_FULL, however the system calls it.
+    SqliteError failure(int result) const;
 
 private:
     struct Closer

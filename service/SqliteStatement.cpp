@@ -1,5 +1,6 @@
 #include "service/SqliteStatement.h"
 
+#include <cerrno>
 #include <sqlite3.h>
 
 namespace job_service {
@@ -12,6 +13,7 @@ void SqliteStatement::Finalizer::operator()(sqlite3_stmt* statement) const
 SqliteStatement::SqliteStatement(SqliteDatabase& database, const char* sql) : m_database(database)
 {
     sqlite3_stmt* statement = nullptr;
+    errno = 0;
     const int result = sqlite3_prepare_v2(database.handle(), sql, -1, &statement, nullptr);
     m_statement.reset(statement);
     check(result);
@@ -32,6 +34,7 @@ SqliteStatement& SqliteStatement::bind(int number, int value)
 
 bool SqliteStatement::step()
 {
+    errno = 0;
     const int result = sqlite3_step(m_statement.get());
     if (result == SQLITE_ROW)
         return true;
@@ -62,7 +65,7 @@ int SqliteStatement::integer(int column) const
 void SqliteStatement::check(int result) const
 {
     if (result != SQLITE_OK)
-        throw SqliteError(result & 0xff, sqlite3_errmsg(m_database.handle()));
+        throw m_database.failure(result);
 }
 
 } // namespace job_service

@@ -12,6 +12,7 @@
 
 #include <csignal>
 #include <cstdio>
+#include <exception>
 #include <sys/stat.h>
 #include <thread>
 
@@ -19,36 +20,68 @@ using namespace job_service;
 
 namespace {
 
-/// The signals that end the service. Blocked before the first thread starts, they wait for `sigwait`.
-sigset_t blockEndSignals()
+/// A signal has asked the service to end before it listens.
+class EndRequested : public std::exception
 {
-    sigset_t signals;
-    sigemptyset(&signals);
-    sigaddset(&signals, SIGTERM);
-    sigaddset(&signals, SIGINT);
-    pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+};
+
+/// The signals that end the service. Blocked before the first thread starts, they wait until they are looked for.
+class EndSignals
+{
+public:
+    EndSignals()
+    {
+        sigemptyset(&m_signals);
+        sigaddset(&m_signals, SIGTERM);
+        sigaddset(&m_signals, SIGINT);
+        pthread_sigmask(SIG_BLOCK, &m_signals, nullptr);
+    }
+
+    void wait() const
+    {
+        int signal = 0;
+        sigwait(&m_signals, &signal);
+    }
+
+    void throwIfPending() const
+    {
+        sigset_t pending;
+        sigpending(&pending);
+        if (sigismember(&pending, SIGTERM) || sigismember(&pending, SIGINT))
+            throw EndRequested();
+    }
+
+private:
+    sigset_t m_signals;
+};
+
+/// Peers that vanish, and files that may not grow, are results of calls and no reason to die.
+void ignoreHarmlessSignals()
+{
     std::signal(SIGPIPE, SIG_IGN);
-    return signals;
+    std::signal(SIGXFSZ, SIG_IGN);
 }
 
-void fill(JobStore& store, const CommandLine& line)
+void fill(JobStore& store, const CommandLine& line, const EndSignals& endSignals)
 {
-    FileLoader loader(store);
+    const auto beforeEach = [&endSignals] { endSignals.throwIfPending(); };
+    FileLoader loader(store, beforeEach);
     for (const std::filesystem::path& path : line.load)
         loader.load(path);
     if (line.generate) {
-        const std::size_t added = generateJobs(store, *line.generate);
+        const std::size_t added = generateJobs(store, *line.generate, beforeEach);
         logLine(std::to_string(added) + " jobs generated");
     }
 }
 
 void serve(const CommandLine& line)
 {
-    const sigset_t endSignals = blockEndSignals();
+    ignoreHarmlessSignals();
+    const EndSignals endSignals;
     const DataFolder folder(line.data.empty() ? DataFolder::defaultPath() : line.data);
     HttpServer server(line.port);
     JobStore store(folder.path());
-    fill(store, line);
+    fill(store, line, endSignals);
 
     JobApi api(store, line.techId);
     const Router router(api.routes(), server.port());
@@ -57,8 +90,7 @@ void serve(const CommandLine& line)
     std::printf("job-service: listening on 127.0.0.1:%u\n", static_cast<unsigned>(server.port()));
     std::fflush(stdout);
 
-    int signal = 0;
-    sigwait(&endSignals, &signal);
+    endSignals.wait();
     server.stop();
     serving.join();
 }
@@ -77,6 +109,8 @@ int run(const CommandLine& line)
     ::umask(077);
     try {
         serve(line);
+        return 0;
+    } catch (const EndRequested&) {
         return 0;
     } catch (const std::exception& error) {
         logLine(error.what());

@@ -110,6 +110,22 @@ TEST_F(FileLoaderTest, aFileOfAnotherNameIsToldAndPassedOver)
     EXPECT_EQ(store().jobList(), "[]");
 }
 
+TEST_F(FileLoaderTest, whatIsThrownBeforeAFileEndsTheLoadingAndLeavesNoJob)
+{
+    m_files.write("a.job.json", jobText("a"));
+    m_files.write("b.job.json", jobText("b"));
+    // Each file is met twice: when the folder is listed, and when it is read. The last one is the second to be read.
+    int calls = 0;
+    FileLoader loader(store(), [&calls] {
+        if (++calls == 4)
+            throw std::runtime_error("enough");
+    });
+    const int before = store().changeCount();
+    EXPECT_THROW(loader.load(m_files.path()), std::runtime_error);
+    EXPECT_EQ(store().jobList(), "[]");
+    EXPECT_EQ(store().changeCount(), before);
+}
+
 TEST_F(FileLoaderTest, whatDoesNotExistIsAnError)
 {
     EXPECT_THROW(FileLoader(store()).load(m_files.path() / "none"), std::filesystem::filesystem_error);

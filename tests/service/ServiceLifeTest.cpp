@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 #include <random>
+#include <sys/resource.h>
 #include <thread>
 
 using namespace std::chrono_literals;
@@ -220,6 +221,79 @@ TEST_F(ServiceLifeTest, theTechnicianIsAnOption)
 {
     start({ "--tech-id", "t-0107" });
     EXPECT_EQ(get("/login-config"), (json{ { "techId", "t-0107" }, { "opaqueText1", "" }, { "opaqueText2", "" } }));
+}
+
+TEST_F(ServiceLifeTest, terminationDoesNotWaitForALongLoad)
+{
+    jobmanager_test::TemporaryFolder files;
+    m_service.setArguments({ "--load", files.path().string(), "--generate", "jobs=1000000,tests=100" });
+    ASSERT_TRUE(m_service.launch());
+    while (m_service.log().find("0 jobs loaded") == std::string::npos)
+        std::this_thread::yield();
+    const auto begin = std::chrono::steady_clock::now();
+    EXPECT_EQ(m_service.terminate(), 0);
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, stretched(2s));
+    start();
+    EXPECT_EQ(numberOfJobs(), 0u) << "a load is one change";
+}
+
+/// No file of the service may grow beyond the log of its store as it is.
+TEST_F(ServiceLifeTest, withoutRoomItRefusesChangesAndGoesOnWhenThereIsRoomAgain)
+{
+    start({ "--generate", "jobs=20,tests=5" });
+    const rlimit noRoom{ std::filesystem::file_size(m_service.dataFolder() / "jobs.sqlite-wal"), RLIM_INFINITY };
+    const rlimit room{ RLIM_INFINITY, RLIM_INFINITY };
+    const int before = changeCount();
+    ASSERT_EQ(::prlimit(m_service.pid(), RLIMIT_FSIZE, &noRoom, nullptr), 0);
+    for (const auto& [method, path, body] : { std::tuple{ "POST", "/jobs", R"({"workOrderNo":"a"})" },
+             std::tuple{ "DELETE", "/jobs/GEN-0000001", "" }, std::tuple{ "POST", "/jobs/GEN-0000002/archive", "" },
+             std::tuple{ "PUT", "/active-job", R"({"id":"GEN-0000001"})" },
+             std::tuple{ "PUT", "/settings/groupType", R"({"value":"2"})" } }) {
+        const HttpReply refused = call(method, path, body);
+        EXPECT_EQ(refused.status, 507) << path;
+        EXPECT_EQ(
+            refused.body, R"({"error":{"code":"storage_full","message":"There is no room left to store this."}})");
+    }
+    EXPECT_EQ(numberOfJobs(), 20u);
+    EXPECT_EQ(call("GET", "/jobs/GEN-0000001").status, 200);
+    EXPECT_EQ(changeCount(), before);
+    EXPECT_EQ(get("/status").at("store"), "ok");
+
+    ASSERT_EQ(::prlimit(m_service.pid(), RLIMIT_FSIZE, &room, nullptr), 0);
+    EXPECT_EQ(call("POST", "/jobs", R"({"workOrderNo":"a"})").status, 201);
+    EXPECT_EQ(changeCount(), before + 1);
+    ASSERT_TRUE(m_service.restart()) << m_service.log();
+    EXPECT_EQ(numberOfJobs(), 21u);
+    EXPECT_EQ(get("/status").at("store"), "ok");
+}
+
+TEST_F(ServiceLifeTest, damageWhileRunningIsToldAndPutAsideAtTheNextStart)
+{
+    start({ "--generate", "jobs=50,tests=20" });
+    // What a clean end has moved into the file is read from there.
+    ASSERT_EQ(m_service.terminate(), 0);
+    start();
+    const std::filesystem::path file = m_service.dataFolder() / "jobs.sqlite";
+    const std::size_t page = 4096;
+    std::fstream stream(file, std::ios::in | std::ios::out | std::ios::binary);
+    stream.seekp(page);
+    stream << std::string(std::filesystem::file_size(file) - page, '\x5a');
+    stream.close();
+
+    const json before = get("/status");
+    EXPECT_EQ(before.at("store"), "ok");
+    const HttpReply refused = call("GET", "/jobs");
+    EXPECT_EQ(refused.status, 503);
+    EXPECT_EQ(refused.body, R"({"error":{"code":"store_damaged","message":"The store of the service is damaged."}})");
+    const json status = get("/status");
+    EXPECT_EQ(status.at("store"), "damaged");
+    EXPECT_GE(status.at("since"), before.at("since"));
+    EXPECT_GT(changeCount(), 0);
+
+    ASSERT_TRUE(m_service.restart()) << m_service.log();
+    EXPECT_EQ(get("/status").at("store"), "replaced");
+    EXPECT_EQ(numberOfJobs(), 0u);
+    EXPECT_TRUE(std::filesystem::exists(file.string() + ".corrupt-1"));
 }
 
 struct FailureCase

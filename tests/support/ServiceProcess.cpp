@@ -47,13 +47,18 @@ ServiceProcess::~ServiceProcess()
 
 bool ServiceProcess::start()
 {
-    if (isRunning() || !spawn())
+    if (!launch())
         return false;
     if (const std::optional<unsigned short> port = readPort()) {
         m_port = *port;
         return true;
     }
     return false;
+}
+
+bool ServiceProcess::launch()
+{
+    return !isRunning() && spawn();
 }
 
 std::optional<int> ServiceProcess::terminate()

@@ -25,6 +25,8 @@ public:
     /// Starts the service and waits until it says that it listens. The first start picks a free port, later ones
     /// use the same. Returns false if it ended or said nothing in time; log() then tells why.
     bool start();
+    /// Starts the service without waiting until it listens. Returns false if there is no process.
+    bool launch();
     /// Asks the service to end (SIGTERM) and waits for it. Returns its exit code, nothing if a signal ended it.
     std::optional<int> terminate();
     /// Ends the service with SIGKILL, as a crash would.
