@@ -65,7 +65,7 @@ SqliteError SqliteDatabase::failure(int result) const
 {
     const int code = result & 0xff;
     if (code == SQLITE_IOERR && isWantOfRoom(errno))
-        return { SQLITE_FULL, sqlite3_errmsg(handle()) };
+        return { SQLITE_FULL, sqlite3_errstr(SQLITE_FULL) };
     return { code, sqlite3_errmsg(handle()) };
 }
 

@@ -8,6 +8,7 @@
 #include "service/Log.h"
 #include "service/Router.h"
 #include "service/ServiceVersion.h"
+#include "service/SqliteError.h"
 #include "service/StoreFile.h"
 
 #include <csignal>
@@ -112,6 +113,9 @@ int run(const CommandLine& line)
         return 0;
     } catch (const EndRequested&) {
         return 0;
+    } catch (const SqliteError& error) {
+        logLine(std::string("the store failed: ") + error.what());
+        return 1;
     } catch (const std::exception& error) {
         logLine(error.what());
         return 1;

@@ -254,6 +254,7 @@ TEST_F(ServiceLifeTest, withoutRoomItRefusesChangesAndGoesOnWhenThereIsRoomAgain
         EXPECT_EQ(
             refused.body, R"({"error":{"code":"storage_full","message":"There is no room left to store this."}})");
     }
+    EXPECT_NE(m_service.log().find("the store failed: database or disk is full"), std::string::npos);
     EXPECT_EQ(numberOfJobs(), 20u);
     EXPECT_EQ(call("GET", "/jobs/GEN-0000001").status, 200);
     EXPECT_EQ(changeCount(), before);
@@ -322,6 +323,14 @@ INSTANTIATE_TEST_SUITE_P(Arguments, FailingStart,
         FailureCase{ "nothingToLoad", { "--load", "/nonexistent/x" }, 1, "nothing to load" },
         FailureCase{ "noDataFolder", { "--data", "/proc/nowhere" }, 1, "The data folder" }),
     [](const auto& row) { return std::string(row.param.name); });
+
+TEST_F(ServiceLifeTest, aStoreThatCannotBeOpenedIsTold)
+{
+    std::filesystem::create_directories(m_service.dataFolder() / "jobs.sqlite");
+    EXPECT_FALSE(m_service.start());
+    EXPECT_EQ(m_service.waitForEnd(), 1);
+    EXPECT_EQ(m_service.log(), "job-service: the store failed: unable to open database file\n");
+}
 
 TEST_F(ServiceLifeTest, aNewerStoreIsRefused)
 {
