@@ -10,7 +10,9 @@
 #include <list>
 #include <nlohmann/json.hpp>
 #include <set>
+#include <sstream>
 #include <sys/socket.h>
+#include <vector>
 
 using namespace std::chrono_literals;
 using jobmanager_test::Connection;
@@ -278,18 +280,32 @@ TEST_F(HostileRequestTest, aNameAsTextIsAsGoodAsTheAddress)
     }
 }
 
+/// The addresses of this table of the kernel on which the port is listened to.
+std::vector<std::string> listeningAddresses(const char* table, unsigned short port)
+{
+    char suffix[8];
+    std::snprintf(suffix, sizeof suffix, ":%04X", static_cast<unsigned>(port));
+    std::ifstream lines(table);
+    std::string line;
+    std::vector<std::string> addresses;
+    while (std::getline(lines, line)) {
+        std::istringstream words(line);
+        std::string number;
+        std::string local;
+        std::string remote;
+        std::string state;
+        words >> number >> local >> remote >> state;
+        const std::size_t end = local.find(suffix);
+        if (end != std::string::npos && state == "0A")
+            addresses.push_back(local.substr(0, end));
+    }
+    return addresses;
+}
+
 TEST_F(HostileRequestTest, theServiceListensOnTheLoopbackAddressAlone)
 {
-    std::ifstream table("/proc/net/tcp");
-    char expected[16];
-    std::snprintf(expected, sizeof expected, ":%04X", static_cast<unsigned>(port()));
-    std::string line;
-    while (std::getline(table, line)) {
-        const std::size_t at = line.find(expected);
-        if (at == std::string::npos || at > 20)
-            continue;
-        EXPECT_EQ(line.substr(at - 8, 8), "0100007F") << line;
-    }
+    EXPECT_EQ(listeningAddresses("/proc/net/tcp", port()), std::vector<std::string>{ "0100007F" });
+    EXPECT_EQ(listeningAddresses("/proc/net/tcp6", port()), std::vector<std::string>{});
 }
 
 } // namespace

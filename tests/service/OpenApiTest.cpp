@@ -295,12 +295,15 @@ TEST_F(OpenApiTest, aMissingMemberOfABodyAnswersAsDescribed)
 
 TEST_F(OpenApiTest, theConflictAndTheUnknownTemplateAnswerAsDescribed)
 {
+    int checked = 0;
     for (const Operation& operation : operations()) {
         if (operation.path != "/api/v1/jobs" || operation.method != "POST")
             continue;
+        ++checked;
         expectAnswer(operation, call(operation, operation.path, R"({"workOrderNo":"WO-1"})"), "409");
         expectAnswer(operation, call(operation, operation.path, R"({"workOrderNo":"x","templateName":"none"})"), "404");
     }
+    EXPECT_EQ(checked, 1);
 }
 
 TEST_F(OpenApiTest, otherMethodsAreToldTheDescribedOnes)
