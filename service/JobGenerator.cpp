@@ -82,7 +82,7 @@ json jobAttributes(Dice& dice)
 {
     json attributes = json::object();
     attributes["accessCode"] = attribute("Access code", std::to_string(1000 + dice.below(9000)), "string", 0);
-    attributes["fiberCount"] = attribute("Fibers", std::to_string(12 * (1 + dice.below(8))), "integer", 1);
+    attributes["fiberCount"] = attribute("Fibers", std::to_string(12 * (1 + dice.below(8))), "number", 1);
     json priority = attribute("Priority", dice.oneIn(4) ? "high" : "normal", "string", 2);
     priority["validValues"] = { "low", "normal", "high" };
     attributes["priority"] = std::move(priority);
