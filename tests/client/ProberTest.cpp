@@ -94,7 +94,7 @@ TEST_F(ProberTest, aRefusalIsNoAnswer)
         std::unique_lock lock(mutex);
         EXPECT_FALSE(changed.wait_for(lock, 3 * job_client::deadlines::probePeriod, [this] { return answers > 0; }));
     }
-    EXPECT_TRUE(isProbing());
+    EXPECT_TRUE(probingBegins());
     server.replyToAll(jsonReply(200, R"({"changeCount": 1})"));
     server.restart();
     awaitAnswer();

@@ -28,13 +28,28 @@ bool isProbing()
     return std::find(names.begin(), names.end(), "job-probe") != names.end();
 }
 
-bool probingEnds()
+namespace {
+
+/// Waits until isProbing() answers `probing`. False if it never does.
+bool probingBecomes(bool probing)
 {
     using namespace std::chrono_literals;
     const auto begun = std::chrono::steady_clock::now();
-    while (isProbing() && std::chrono::steady_clock::now() - begun < 60s)
+    while (isProbing() != probing && std::chrono::steady_clock::now() - begun < 60s)
         std::this_thread::sleep_for(1ms);
-    return !isProbing();
+    return isProbing() == probing;
+}
+
+} // namespace
+
+bool probingBegins()
+{
+    return probingBecomes(true);
+}
+
+bool probingEnds()
+{
+    return probingBecomes(false);
 }
 
 std::vector<int> socketsTo(unsigned short port)

@@ -9,6 +9,9 @@ std::vector<std::string> threadNames();
 /// Whether the client has a thread that probes a service.
 bool isProbing();
 
+/// Waits until it has one. False if it gets none. A thread has its name only a moment after it was started.
+bool probingBegins();
+
 /// Waits until it has none. False if it keeps one. Also after a join, since the system lists a thread a moment longer.
 bool probingEnds();
 

@@ -237,7 +237,7 @@ TEST_F(RestApiJobManagerOutageTest, oneDeadlineMissedByTheListIsEnough)
 {
     server.replyToAll(silence);
     client->getJobList();
-    EXPECT_TRUE(isProbing());
+    EXPECT_TRUE(probingBegins());
     EXPECT_LT(timeOf([this] { client->getChangeCount(); }), stretched(50));
 }
 
@@ -273,7 +273,7 @@ TEST_F(RestApiJobManagerOutageTest, theProbingThreadEndsWithTheOutage)
     server.freeze();
     client->getChangeCount();
     client->getChangeCount();
-    EXPECT_TRUE(isProbing());
+    EXPECT_TRUE(probingBegins());
     server.thaw();
     pollUntilMovedFrom(0);
     EXPECT_TRUE(probingEnds());
@@ -287,7 +287,7 @@ TEST_F(RestApiJobManagerOutageTest, eachOutageIsProbedAnew)
         server.freeze();
         client->getChangeCount();
         client->getChangeCount();
-        EXPECT_TRUE(isProbing());
+        EXPECT_TRUE(probingBegins());
         server.thaw();
         const int moved = pollUntilMovedFrom(count);
         EXPECT_EQ(moved, count + 2);
@@ -300,7 +300,7 @@ TEST_F(RestApiJobManagerOutageTest, destructionDoesNotWaitForAHungService)
     server.freeze();
     client->getChangeCount();
     client->getChangeCount();
-    ASSERT_TRUE(isProbing());
+    ASSERT_TRUE(probingBegins());
     EXPECT_LT(timeOf([this] { client.reset(); }), stretched(50));
     EXPECT_TRUE(probingEnds());
 }
@@ -404,7 +404,7 @@ TEST_F(AnotherService, doesNotHangBecauseTheFirstDid)
     server.freeze();
     client->getChangeCount();
     client->getChangeCount();
-    ASSERT_TRUE(isProbing());
+    ASSERT_TRUE(probingBegins());
     turnTo(other);
     EXPECT_LT(timeOf([this] { EXPECT_EQ(client->getChangeCount(), 40); }), stretched(90));
     EXPECT_TRUE(probingEnds());

@@ -101,7 +101,7 @@ TEST_F(ServiceConnectionTest, onceRetiredItNeitherProbesNorLogs)
 TEST_F(ServiceConnectionTest, retiringEndsTheProbing)
 {
     makeItHang();
-    EXPECT_TRUE(isProbing());
+    EXPECT_TRUE(probingBegins());
     service->retire();
     EXPECT_TRUE(probingEnds());
 }
