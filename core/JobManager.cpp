@@ -287,6 +287,7 @@ void JobManager::rebuild()
     rebuildRows(oldJobs);
     updateCurrentJob(apiCurrentID);
     announceNewJob();
+    sortTestlistForAllJobs();
     endResetModel();
 }
 
@@ -299,6 +300,9 @@ void JobManager::rebuildRows(const QHash<QString, std::shared_ptr<Job>>& oldJobs
             job->updateDataFromAPI();
         } else {
             job = makeJob(jobID);
+        }
+        if (backgroundFetching() && m_worker != nullptr && job->worker() == nullptr) {
+            job->setWorker(m_worker);
         }
         m_jobRows.insert(jobID, row++);
         m_jobs.insert(jobID, std::move(job));
@@ -366,6 +370,18 @@ void JobManager::announceNewJob()
     m_newJobID.clear();
 }
 
+void JobManager::sortTestlistForAllJobs()
+{
+    // Each list that is regrouped tells so, and a receiver may bring about a rebuild of the jobs, or may have regrouped
+    // from inside one while the tables were half full: hence the copy, and a job that is not there is passed over.
+    const std::vector<QString> jobIDs = m_jobIDs;
+    for (const QString& jobID : jobIDs) {
+        if (const std::shared_ptr<Job> job = m_jobs.value(jobID)) {
+            job->sortTests(m_groupType);
+        }
+    }
+}
+
 void JobManager::setPauseAutomaticUpdates(bool paused)
 {
     if (paused == m_pauseAutomaticUpdates) {
@@ -400,6 +416,7 @@ void JobManager::setGroupType(TestGroupType::Enum groupType)
     m_groupType = groupType;
     m_api->setGroupType(groupType);
     writeSetting(groupTypeSetting(), QString::number(groupType));
+    sortTestlistForAllJobs();
     Q_EMIT groupTypeChanged();
 }
 

@@ -2,6 +2,7 @@
 
 #include "api/JobManagerAPIAbstraction.h"
 #include "models/Job.h"
+#include "models/Test.h"
 
 #include <chrono>
 #include <memory>
@@ -103,8 +104,8 @@ public:
     bool isQueryChangeCountInProgress() const { return m_isQueryChangeCountInProgress; }
     /// How the tests of all jobs are grouped.
     TestGroupType::Enum groupType() const { return m_groupType; }
-    /// Tells the data interface the new grouping, stores it as a setting, then emits groupTypeChanged. An
-    /// unchanged value does nothing; a number outside the enum passes.
+    /// Tells the data interface the new grouping, stores it as a setting, groups the tests of all jobs, then emits
+    /// groupTypeChanged. An unchanged value does nothing; a number outside the enum passes.
     void setGroupType(TestGroupType::Enum groupType);
     /// Always true: the front end brings up its own keyboard.
     bool useInternalKeyboard() const { return true; }
@@ -185,6 +186,8 @@ Q_SIGNALS:
 
     /// A poll has seen a change. Where the list must be fetched first, the rows follow later.
     void jobManagerUpdated();
+    /// A launch is about to begin: the front end's last moment to act before it does.
+    void testAboutToLaunch(Test* test);
     /// The job just created is in the list.
     void newJobCreated(Job* job);
 
@@ -210,6 +213,7 @@ private:
     void updateCurrentJob(const QString& currentID);
     void resetCurrentJobPointer();
     void announceNewJob();
+    void sortTestlistForAllJobs();
 
     std::shared_ptr<JobManagerAPIAbstraction> m_api;
     QThread m_workerThread;

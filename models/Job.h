@@ -1,6 +1,7 @@
 #pragma once
 
 #include "api/JobManagerAPIAbstraction.h"
+#include "models/TestList.h"
 
 #include <memory>
 #include <QObject>
@@ -9,7 +10,14 @@
 
 namespace jobmanager_ui {
 
-/// What QML sees of one job: a snapshot of the job's summary, so that bindings never touch the data interface.
+class JobManagerWorker;
+
+/// What QML sees of one job: a snapshot of the job's summary, so that bindings never touch the data interface, and
+/// its tests, which are there once the job's full data is.
+///
+/// The first read of a lazy member after an update that did not find the job in the cache has the worker fetch it,
+/// once however many bindings ask, and answers empty. When the job has come, the members' signals go out again and
+/// the reads answer. A job without a worker never fetches: it reads the data interface at once.
 ///
 /// JobManager owns each Job by shared pointer and keeps the same object for as long as its id stays in the job
 /// list. The object belongs to C++ in whatever way JavaScript came by it. Main thread only.
@@ -26,8 +34,10 @@ class Job : public QObject
     Q_PROPERTY(int totalNumberOfRequiredTests READ totalNumberOfRequiredTests NOTIFY totalNumberOfRequiredTestsChanged)
     Q_PROPERTY(int numberOfCompletedRequiredTests READ numberOfCompletedRequiredTests NOTIFY
             numberOfCompletedRequiredTestsChanged)
+    Q_PROPERTY(QAbstractListModel* tests READ tests NOTIFY testsChanged)
     Q_PROPERTY(QString managedBy READ managedBy NOTIFY managedByChanged)
     Q_PROPERTY(QString state READ state NOTIFY stateChanged)
+    Q_PROPERTY(bool fetchInProgress READ fetchInProgress NOTIFY fetchInProgressChanged)
     Q_PROPERTY(QStringList teamTechIds READ teamTechIds NOTIFY teamTechIdsChanged)
 
 public:
@@ -66,13 +76,59 @@ public:
     /// the service accepts; a refusal changes and reports nothing. The value that is set already asks nobody.
     void setIsArchived(bool archived);
 
-    /// Reads the summary anew and emits the signals below, each whether or not its value changed, in this order:
-    /// jobNumberChanged, customerNameChanged, workOrderLabelChanged, typeNameChanged, isArchivedChanged,
-    /// totalNumberOfRequiredTestsChanged, numberOfCompletedRequiredTestsChanged, managedByChanged, stateChanged,
-    /// teamTechIdsChanged, testsChanged, optionalPropertiesChanged, allDisplayableJobPropertiesChanged,
-    /// jobPropertyDisplayInfosChanged, allDisplayableTestPropertiesChanged, testPropertyDisplayInfosChanged, and
-    /// once more managedByChanged and stateChanged.
+    /// Lazy: the job's tests, brought up to date; null while isBackgroundFetchCompleted is false. Owned by the job.
+    QAbstractListModel* tests();
+    /// Whether a fetch of the job's full data is under way. Not lazy: reading it starts no fetch.
+    bool fetchInProgress() const { return m_fetchInProgress; }
+
+    /// Groups the tests in this way.
+    void sortTests(TestGroupType::Enum groupType) { m_tests.setGroupType(groupType); }
+    /// The test with this id, null if there is none. Brings the tests up to date first, without regard to
+    /// isBackgroundFetchCompleted.
+    std::shared_ptr<Test> getTest(long long testID) { return m_tests.getTest(testID); }
+    /// The worker that fetches for this job, null for none. Not owned.
+    JobManagerWorker* worker() const { return m_worker; }
+    /// Connects the job with the worker, both ways, and disconnects it from the one before. `worker` must not be null
+    /// and must outlive all fetches of this job.
+    void setWorker(JobManagerWorker* worker);
+    /// Whether the lazy members answer. If not, and no fetch is under way, this starts one: it raises fetchInProgress,
+    /// emits fetchInProgressChanged and then fetchJob.
+    bool isBackgroundFetchCompleted();
+    /// The end of a fetch of the job with this id, whether it brought anything or not; that of another job is no
+    /// matter of this one. Makes what was fetched visible, emits fetchInProgressChanged, and then the signals of the
+    /// lazy members: testsChanged, optionalPropertiesChanged, allDisplayableJobPropertiesChanged,
+    /// jobPropertyDisplayInfosChanged, allDisplayableTestPropertiesChanged, testPropertyDisplayInfosChanged,
+    /// totalNumberOfRequiredAttributesChanged, numberOfIncompleteRequiredAttributesChanged.
+    void onFetchJobFinished(QString jobID);
+
+    /// Reads the summary anew, has the lazy members read anew on their next use, and emits the signals below, each
+    /// whether or not its value changed, in this order: jobNumberChanged, customerNameChanged, workOrderLabelChanged,
+    /// typeNameChanged, isArchivedChanged, totalNumberOfRequiredTestsChanged, numberOfCompletedRequiredTestsChanged,
+    /// managedByChanged, stateChanged, teamTechIdsChanged, testsChanged, optionalPropertiesChanged,
+    /// allDisplayableJobPropertiesChanged, jobPropertyDisplayInfosChanged, allDisplayableTestPropertiesChanged,
+    /// testPropertyDisplayInfosChanged, and once more managedByChanged and stateChanged.
     Q_INVOKABLE void updateDataFromAPI();
+
+    // These ask the tests as they stand at the moment, none before the first read of `tests`: see TestList.
+
+    /// The name of the type of the test with this index.
+    Q_INVOKABLE QString getTestNamebyTestIndex(int index);
+    /// What the test with this index is about.
+    Q_INVOKABLE QString getTestDescriptionByTestIndex(int index);
+    /// Where the test with this index is to be carried out.
+    Q_INVOKABLE QString getTestSiteByTestIndex(int index);
+    /// The type token of the test with this index.
+    Q_INVOKABLE QString getTestTypeByTestIndex(int index);
+    /// How many locations the required test with this index has, -1 for no such test.
+    Q_INVOKABLE int testLocationsNumberByIndex(int index);
+    /// How many tests, each location for itself, have this name of their type.
+    Q_INVOKABLE int countTestsByDisplayName(QString displayName);
+    /// How many of them are required and have exactly 0 locations.
+    Q_INVOKABLE int testLocationsNumberByDisplayName(QString displayName);
+    /// Shows all tests, whatever their status.
+    Q_INVOKABLE void resetTestFilter();
+    /// Ends the search for locations.
+    Q_INVOKABLE void resetTestLocationSearch();
 
 Q_SIGNALS:
     void jobNumberChanged();
@@ -104,7 +160,7 @@ Q_SIGNALS:
 
 private:
     void readSummary();
-    void emitSummarySignals();
+    void emitUpdateSignals();
 
     std::shared_ptr<JobManagerAPIAbstraction> m_api;
     QString m_jobID;
@@ -119,6 +175,10 @@ private:
     QString m_managedBy;
     QString m_state;
     QStringList m_teamTechIds;
+    TestList m_tests;
+    JobManagerWorker* m_worker = nullptr;
+    bool m_backgroundFetchRequired = true;
+    bool m_fetchInProgress = false;
 };
 
 } // namespace jobmanager_ui

@@ -47,6 +47,28 @@ private Q_SLOTS:
         QCOMPARE(m_manager->groupType(), TestGroupType::GROUPBY_LOCATION);
     }
 
+    void newGroupTypeGroupsTheTestsOfAllJobsBeforeItIsSignalled()
+    {
+        m_api->setJobIDs({ QStringLiteral("A"), QStringLiteral("B") });
+        m_manager->doUpdateDataFromAPI();
+        const SignalRecorder first(*m_manager->getJob(QStringLiteral("A"))->tests(), m_journal, QStringLiteral("A: "));
+        const SignalRecorder second(*m_manager->getJob(QStringLiteral("B"))->tests(), m_journal, QStringLiteral("B: "));
+        m_journal.take();
+        m_manager->setGroupType(TestGroupType::GROUPBY_TEST_NAME);
+        QCOMPARE(lines(m_journal.take()), QStringLiteral(R"(call setGroupType(3)
+call writeSetting("groupType", "3")
+emit A: modelAboutToBeReset()
+emit A: sectionsChanged()
+emit A: sectionsCountChanged()
+emit A: modelReset()
+emit B: modelAboutToBeReset()
+emit B: sectionsChanged()
+emit B: sectionsCountChanged()
+emit B: modelReset()
+emit groupTypeChanged())"));
+        m_messages->take();
+    }
+
     void currentGroupTypeIsNeitherWrittenNorSignalled()
     {
         m_manager->setGroupType(TestGroupType::DEFAULT_VIEW);

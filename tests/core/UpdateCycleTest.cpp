@@ -365,7 +365,7 @@ call getSettingsListInfo())"));
         QCOMPARE(entries.takeLast(), QStringLiteral("emit modelReset()"));
         QCOMPARE(entries.takeLast(), QStringLiteral("emit currentJobChanged()"));
         QCOMPARE(entries.takeLast(), QStringLiteral("call hasCurrentJob()"));
-        QCOMPARE(entries.takeLast(), QStringLiteral("call getTeamTechIds(\"B\")"));
+        QCOMPARE(entries.takeLast(), QStringLiteral("call isJobInCache(\"B\")"));
     }
 
     void newJobIsReadOnce()
@@ -409,6 +409,91 @@ call getSettingsListInfo())"));
         QCOMPARE(entries.at(entries.size() - 2), QStringLiteral("emit modelReset()"));
         QCOMPARE(entries.last(), QStringLiteral("debug: Job  \"B\" deallocated"));
         QCOMPARE(m_manager->getJob(idB), nullptr);
+    }
+
+    void jobsGetTheWorkerOnce()
+    {
+        rebuild({ idA });
+        QCOMPARE(m_manager->getJob(idA)->worker(), nullptr);
+        QVERIFY(!m_journal.take().filter(QStringLiteral("warning: ")).count());
+        initializeWithABusyWorker();
+        m_manager->findChild<QTimer*>()->stop();
+        rebuild({ idA, idB });
+        JobManagerWorker* const worker = m_manager->getJob(idA)->worker();
+        QVERIFY(worker != nullptr);
+        QCOMPARE(m_manager->getJob(idB)->worker(), worker);
+        rebuild({ idA, idB });
+        QCOMPARE(m_manager->getJob(idA)->tests(), nullptr);
+        m_api->release(QStringLiteral("fetchJobList"));
+        QVERIFY(m_journal.waitFor(QStringLiteral("call fetchJob(\"A\") on worker")));
+        QTRY_VERIFY(m_manager->getJob(idA)->tests() != nullptr);
+        QCOMPARE(m_api->count(QStringLiteral("fetchJob")), 1);
+    }
+
+    void jobRemovedDuringItsFetchHarmsNothing()
+    {
+        initializeWithABusyWorker();
+        m_manager->findChild<QTimer*>()->stop();
+        m_api->release(QStringLiteral("fetchJobList"));
+        QTRY_VERIFY(!m_manager->fetchingJobList());
+        rebuild({ idA, idB });
+        m_api->hold(QStringLiteral("fetchJob"));
+        QCOMPARE(m_manager->getJob(idA)->tests(), nullptr);
+        QCOMPARE(m_manager->getJob(idB)->tests(), nullptr);
+        QVERIFY(m_api->waitUntilHeld(QStringLiteral("fetchJob")));
+        rebuild({ idB });
+        m_api->release(QStringLiteral("fetchJob"));
+        QTRY_VERIFY(m_manager->getJob(idB)->tests() != nullptr);
+        QCOMPARE(ids(), QStringList{ idB });
+    }
+
+    void everyRebuildGroupsTheTestsInsideTheReset()
+    {
+        m_manager->setGroupType(TestGroupType::GROUPBY_LOCATION);
+        rebuild({ idA });
+        auto* const tests = m_manager->getJob(idA)->tests();
+        m_journal.take();
+        const SignalRecorder recorder(*tests, m_journal, QStringLiteral("tests: "));
+        m_manager->setGroupType(TestGroupType::GROUPBY_TEST_NAME);
+        QVERIFY(m_journal.take().contains(QStringLiteral("emit tests: sectionsChanged()")));
+        rebuild({ idA, idB });
+        QVERIFY(!m_journal.take().contains(QStringLiteral("emit tests: sectionsChanged()")));
+        // Grouped by the rebuild already: the group type is the one that the manager has.
+        const SignalRecorder newRecorder(*m_manager->getJob(idB)->tests(), m_journal, QStringLiteral("new: "));
+        m_journal.take();
+        m_manager->getJob(idB)->sortTests(TestGroupType::GROUPBY_TEST_NAME);
+        QCOMPARE(m_journal.take(), QStringList());
+    }
+
+    void regroupingFromInsideARebuildPassesOverJobsThatAreNotThereYet()
+    {
+        rebuild({ idA, idB });
+        connect(m_manager->getJob(idA), &Job::stateChanged, this,
+            [&] { m_manager->setGroupType(TestGroupType::GROUPBY_LOCATION); });
+        rebuild({ idC, idA, idB });
+        QCOMPARE(ids(), (QStringList{ idC, idA, idB }));
+        m_journal.take();
+        for (const QString& jobID : { idA, idB, idC }) {
+            Job* const job = m_manager->getJob(jobID);
+            const SignalRecorder recorder(*job->tests(), m_journal);
+            m_journal.take();
+            job->sortTests(TestGroupType::GROUPBY_LOCATION);
+            QCOMPARE(m_journal.take(), QStringList());
+        }
+    }
+
+    void rebuildFromARegroupedListIsStood()
+    {
+        rebuild({ idA, idB, idC });
+        bool rebuilt = false;
+        connect(m_manager->getJob(idA)->tests(), &QAbstractItemModel::modelReset, this, [&] {
+            if (!std::exchange(rebuilt, true)) {
+                rebuild({ idC });
+            }
+        });
+        m_manager->setGroupType(TestGroupType::GROUPBY_LOCATION);
+        QCOMPARE(rebuilt, true);
+        QCOMPARE(ids(), QStringList{ idC });
     }
 
     void emptyListEmptiesTheModel()

@@ -30,13 +30,13 @@ JobSummary fullSummary()
     return summary;
 }
 
-/// Everything that reading the summary of `id` calls, in order.
-QStringList summaryReads()
+/// Everything that an update of `id` asks, in order.
+QStringList updateReads()
 {
     QStringList reads;
     const char* const operations[] = { "getJobNumber", "getWorkOrderLabel", "getCustomerName", "getWorkflowTypeName",
         "isJobArchived", "getJobModifiedOn", "getTotalNumberOfRequiredTests", "getNumberOfCompletedRequiredTests",
-        "getJobManagedByInfo", "getJobManagementState", "getTeamTechIds" };
+        "getJobManagedByInfo", "getJobManagementState", "getTeamTechIds", "isJobInCache" };
     for (const char* operation : operations) {
         reads.append(QStringLiteral("call %1(\"WO-1\")").arg(QLatin1String(operation)));
     }
@@ -81,10 +81,10 @@ private Q_SLOTS:
         m_messages.reset();
     }
 
-    void constructorReadsTheSummaryInOrder()
+    void constructorReadsInOrder()
     {
         const Job job(m_api, id);
-        QCOMPARE(m_journal.take(), summaryReads());
+        QCOMPARE(m_journal.take(), updateReads());
     }
 
     void propertiesGiveTheSummary_data()
@@ -129,8 +129,10 @@ QString typeName typeNameChanged
 bool isArchived isArchivedChanged writable
 int totalNumberOfRequiredTests totalNumberOfRequiredTestsChanged
 int numberOfCompletedRequiredTests numberOfCompletedRequiredTestsChanged
+QAbstractListModel* tests testsChanged
 QString managedBy managedByChanged
 QString state stateChanged
+bool fetchInProgress fetchInProgressChanged
 QStringList teamTechIds teamTechIdsChanged)"));
     }
 
@@ -158,7 +160,16 @@ signal teamTechIdsChanged()
 signal newTestResultsReceived()
 signal optionalPropertyValueChanged(bool)
 signal fetchJob(QString)
-method updateDataFromAPI())"));
+method updateDataFromAPI()
+method getTestNamebyTestIndex(int)
+method getTestDescriptionByTestIndex(int)
+method getTestSiteByTestIndex(int)
+method getTestTypeByTestIndex(int)
+method testLocationsNumberByIndex(int)
+method countTestsByDisplayName(QString)
+method testLocationsNumberByDisplayName(QString)
+method resetTestFilter()
+method resetTestLocationSearch())"));
     }
 
     void updateReadsFirstAndThenEmitsInOrder()
@@ -167,7 +178,7 @@ method updateDataFromAPI())"));
         const SignalRecorder recorder(job, m_journal);
         m_journal.take();
         job.updateDataFromAPI();
-        QCOMPARE(m_journal.take(), summaryReads() + updateSignals());
+        QCOMPARE(m_journal.take(), updateReads() + updateSignals());
     }
 
     void unchangedValuesAreSignalledToo()
