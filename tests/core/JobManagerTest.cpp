@@ -1,5 +1,6 @@
 #include "core/JobManager.h"
 #include "core/JobManagerWorker.h"
+#include "tests/support/FlatView.h"
 #include "tests/support/MessageCollector.h"
 #include "tests/support/MetaObjectText.h"
 #include "tests/support/RecordingApi.h"
@@ -8,7 +9,6 @@
 #include <algorithm>
 #include <memory>
 #include <QAbstractItemModelTester>
-#include <QIdentityProxyModel>
 #include <QSignalSpy>
 #include <QThread>
 #include <QTimer>
@@ -44,19 +44,6 @@ public:
     {
         journal().add(QStringLiteral("priority %1").arg(QThread::currentThread()->priority()));
         return RecordingApi::fetchJobList();
-    }
-};
-
-/// A list model as Qt's model tester wants it: the manager's rowCount ignores its parent by design, which the tester
-/// takes for children that cannot be reached.
-class FlatView : public QIdentityProxyModel
-{
-public:
-    explicit FlatView(QAbstractItemModel& source) { setSourceModel(&source); }
-
-    int rowCount(const QModelIndex& parent = QModelIndex()) const override
-    {
-        return parent.isValid() ? 0 : QIdentityProxyModel::rowCount();
     }
 };
 
