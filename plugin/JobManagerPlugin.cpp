@@ -5,6 +5,10 @@
 #include "api/TestGroupType.h"
 #include "api/TestRequirement.h"
 #include "core/JobManager.h"
+#include "models/Job.h"
+#include "models/PartialModel.h"
+#include "models/Test.h"
+#include "models/TestList.h"
 
 #include <QtQml>
 
@@ -24,8 +28,12 @@ QObject* provideJobManager(QQmlEngine* /*engine*/, QJSEngine* /*scriptEngine*/)
 
 void JobManagerPlugin::registerTypes(const char* uri)
 {
+    qmlRegisterUncreatableType<Job>(uri, 1, 0, "Job", QString());
+    qmlRegisterUncreatableType<Test>(uri, 1, 0, "Test", QString());
+    qmlRegisterUncreatableType<TestList>(uri, 1, 0, "TestList", QString());
     qmlRegisterUncreatableType<PropertyType>(uri, 1, 0, "PropertyType", QString());
     qmlRegisterUncreatableType<TestRequirement>(uri, 1, 0, "TestRequirement", QString());
     qmlRegisterUncreatableType<TestGroupType>(uri, 1, 0, "TestGroupType", QString());
+    qmlRegisterType<PartialModel>(uri, 1, 0, "PartialModel");
     qmlRegisterSingletonType<JobManager>(uri, 1, 0, "JobManager", &provideJobManager);
 }

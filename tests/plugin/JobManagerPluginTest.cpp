@@ -6,6 +6,7 @@
 #include <QPluginLoader>
 #include <QQmlComponent>
 #include <QQmlEngine>
+#include <QQmlExtensionInterface>
 #include <QTimer>
 #include <QtTest>
 
@@ -180,6 +181,11 @@ private Q_SLOTS:
         QTest::newRow("TestGroupType.DEFAULT_VIEW") << 1;
         QTest::newRow("TestGroupType.GROUPBY_LOCATION") << 2;
         QTest::newRow("TestGroupType.GROUPBY_TEST_NAME") << 3;
+        QTest::newRow("TestList.TESTFILTER_ALL") << 0;
+        QTest::newRow("TestList.TESTFILTER_COMPLETED") << 1;
+        QTest::newRow("TestList.TESTFILTER_INCOMPLETE") << 2;
+        QTest::newRow("TestList.JobID") << 257;
+        QTest::newRow("TestList.Test") << 262;
     }
 
     void enumNamesAreUsable()
@@ -192,6 +198,9 @@ private Q_SLOTS:
     void typesCannotBeCreated_data()
     {
         QTest::addColumn<QString>("type");
+        QTest::newRow("Job") << QStringLiteral("Job");
+        QTest::newRow("Test") << QStringLiteral("Test");
+        QTest::newRow("TestList") << QStringLiteral("TestList");
         QTest::newRow("PropertyType") << QStringLiteral("PropertyType");
         QTest::newRow("TestRequirement") << QStringLiteral("TestRequirement");
         QTest::newRow("TestGroupType") << QStringLiteral("TestGroupType");
@@ -206,6 +215,59 @@ private Q_SLOTS:
         QCOMPARE(load(engine, document(type + QStringLiteral(" {}")), &errors), nullptr);
         QVERIFY2(!errors.isEmpty(), "no error was reported");
         QVERIFY2(!errors.contains(QLatin1String("is not a type")), qPrintable(errors));
+    }
+
+    void typesCanBeNamed_data()
+    {
+        QTest::addColumn<QString>("type");
+        QTest::newRow("Job") << QStringLiteral("Job");
+        QTest::newRow("Test") << QStringLiteral("Test");
+        QTest::newRow("TestList") << QStringLiteral("TestList");
+        QTest::newRow("PartialModel") << QStringLiteral("PartialModel");
+    }
+
+    void typesCanBeNamed()
+    {
+        QFETCH(QString, type);
+        Engine engine;
+        QString errors;
+        const std::unique_ptr<QObject> root =
+            load(engine, document(QStringLiteral("QtObject { property %1 object }").arg(type)), &errors);
+        QVERIFY2(root != nullptr, qPrintable(errors));
+        QCOMPARE(root->property("object").value<QObject*>(), nullptr);
+    }
+
+    void partialModelIsCreatedInQml()
+    {
+        Engine engine;
+        QString errors;
+        const std::unique_ptr<QObject> root = load(engine,
+            QStringLiteral("import QtQml.Models 2.15\n")
+                + document(
+                    QStringLiteral("PartialModel { property ListModel letters: ListModel { ListElement { letter: 'A' } "
+                                   "ListElement { letter: 'B' } ListElement { letter: 'C' } } "
+                                   "model: letters; startIndex: 1; testsCount: 2 }")),
+            &errors);
+        QVERIFY2(root != nullptr, qPrintable(errors));
+        const auto* const slice = qobject_cast<QAbstractItemModel*>(root.get());
+        QVERIFY(slice != nullptr);
+        QCOMPARE(slice->rowCount(), 2);
+        QCOMPARE(slice->index(0, 0).data(slice->roleNames().key("letter")), QVariant(QStringLiteral("B")));
+    }
+
+    void typesAreRegisteredInOrderUnderAnyUri()
+    {
+        QPluginLoader loader(QStringLiteral(JOBMANAGER_PLUGIN_FILE));
+        auto* const plugin = qobject_cast<QQmlTypesExtensionInterface*>(loader.instance());
+        QVERIFY2(plugin != nullptr, qPrintable(loader.errorString()));
+        plugin->registerTypes("Any.Other_Name");
+        int previous = -1;
+        for (const char* name : { "Job", "Test", "TestList", "PropertyType", "TestRequirement", "TestGroupType",
+                 "PartialModel", "JobManager" }) {
+            const int id = qmlTypeId("Any.Other_Name", 1, 0, name);
+            QVERIFY2(id > previous, name);
+            previous = id;
+        }
     }
 
     void otherVersionsAreNotThere()
