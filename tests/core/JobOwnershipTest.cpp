@@ -1,6 +1,6 @@
 #include "core/JobManager.h"
+#include "tests/models/ScriptedTests.h"
 #include "tests/support/MessageCollector.h"
-#include "tests/support/RecordingApi.h"
 
 #include <algorithm>
 #include <memory>
@@ -30,7 +30,7 @@ public:
 
 } // namespace
 
-/// JavaScript gets jobs in every way there is, lets go of them, and its collector runs: nobody may die.
+/// JavaScript gets jobs and tests in every way there is, lets go of them, and its collector runs: nobody may die.
 class JobOwnershipTest : public QObject
 {
     Q_OBJECT
@@ -43,6 +43,8 @@ private Q_SLOTS:
         m_api->keepJobListCached();
         m_api->setJobIDs({ QStringLiteral("A"), QStringLiteral("B"), QStringLiteral("C") });
         m_api->setCurrentID(QStringLiteral("C"));
+        m_api->setAnswer(QStringLiteral("isJobInCache"), true);
+        setTests(*m_api, QStringLiteral("C"), testsAt({ QStringLiteral("x"), QStringLiteral("y") }));
         m_manager = std::make_unique<JobManager>(m_api);
         m_manager->initialize();
         m_engine = std::make_unique<QQmlEngine>();
@@ -50,6 +52,8 @@ private Q_SLOTS:
         for (int row = 0; row < m_manager->rowCount(); ++row) {
             m_jobs.append(m_manager->index(row, 0).data(JobManager::JobRole).value<Job*>());
         }
+        m_list = m_manager->currentJob()->tests();
+        m_tests = { m_manager->currentJob()->getTest(0).get(), m_manager->currentJob()->getTest(1).get() };
     }
 
     void cleanup()
@@ -58,6 +62,7 @@ private Q_SLOTS:
         m_manager.reset();
         m_api.reset();
         m_jobs.clear();
+        m_tests.clear();
         QStringList messages = m_messages->take();
         m_messages.reset();
         messages.erase(std::remove_if(messages.begin(), messages.end(),
@@ -75,7 +80,7 @@ private Q_SLOTS:
         QVERIFY(model.m_object.isNull());
     }
 
-    void jobsOutliveTheCollector_data()
+    void jobsAndTestsOutliveTheCollector_data()
     {
         QTest::addColumn<QString>("script");
         QTest::addColumn<QString>("seen");
@@ -96,15 +101,29 @@ private Q_SLOTS:
             "var job = manager.currentJob; "
             "job.isArchivedChanged.connect(function(sender) { seen += sender.jobNumber }); "
             "job.updateDataFromAPI()") << QStringLiteral("C");
+        QTest::newRow("the tests as a property")
+            << QStringLiteral("seen = '' + manager.currentJob.tests.testsCount") << QStringLiteral("2");
+        QTest::newRow("data() of the tests")
+            << QStringLiteral("var tests = manager.currentJob.tests; for (var i = 0; i < tests.rowCount(); ++i) "
+                              "seen += tests.data(tests.index(i, 0), 262).location")
+            << QStringLiteral("xy");
+        QTest::newRow("the model of an index of the tests")
+            << QStringLiteral("var tests = manager.currentJob.tests; seen = '' + tests.index(0, 0).model.testsCount")
+            << QStringLiteral("2");
+        QTest::newRow("a test as a signal's argument")
+            << QStringLiteral("manager.testAboutToLaunch.connect(function(test) { seen += test.location }); "
+                              "var tests = manager.currentJob.tests; "
+                              "manager.testAboutToLaunch(tests.data(tests.index(1, 0), 262))")
+            << QStringLiteral("y");
     }
 
-    void jobsOutliveTheCollector()
+    void jobsAndTestsOutliveTheCollector()
     {
         QFETCH(QString, script);
         QFETCH(QString, seen);
         QCOMPARE(run(script), seen);
         collect();
-        QCOMPARE(livingJobs(), 3);
+        verifyEverybodyLives();
     }
 
     void jobsOutliveTheDelegatesThatShowThem()
@@ -120,7 +139,57 @@ private Q_SLOTS:
         QTRY_COMPARE(list->property("seen").toString(), QStringLiteral("ABC"));
         list.reset();
         collect();
-        QCOMPARE(livingJobs(), 3);
+        verifyEverybodyLives();
+    }
+
+    void testsOutliveTheDelegatesThatShowThem()
+    {
+        QQmlComponent component(m_engine.get());
+        component.setData("import QtQml 2.15\n"
+                          "Instantiator { model: manager.currentJob.tests; property string seen: ''; "
+                          "delegate: QtObject { property var shown: model.test; "
+                          "Component.onCompleted: seen += model.test.location } }",
+            QUrl());
+        std::unique_ptr<QObject> list(component.create());
+        QVERIFY2(list != nullptr, qPrintable(component.errorString()));
+        QTRY_COMPARE(list->property("seen").toString(), QStringLiteral("xy"));
+        list.reset();
+        collect();
+        verifyEverybodyLives();
+    }
+
+    void testHeldInAPropertyOutlivesTheCollector()
+    {
+        QQmlComponent component(m_engine.get());
+        component.setData("import QtQml 2.15\n"
+                          "QtObject { property var tests: manager.currentJob.tests; "
+                          "property QtObject shown: tests.data(tests.index(0, 0), 262); "
+                          "property string seen: shown.location }",
+            QUrl());
+        std::unique_ptr<QObject> holder(component.create());
+        QVERIFY2(holder != nullptr, qPrintable(component.errorString()));
+        QCOMPARE(holder->property("seen").toString(), QStringLiteral("x"));
+        collect();
+        verifyEverybodyLives();
+        holder.reset();
+        collect();
+        verifyEverybodyLives();
+    }
+
+    void testOfASignalFromCppOutlivesTheCollector()
+    {
+        QQmlComponent component(m_engine.get());
+        component.setData("import QtQml 2.15\n"
+                          "Connections { property string seen; target: manager; "
+                          "function onTestAboutToLaunch(test) { seen = test.location } }",
+            QUrl());
+        std::unique_ptr<QObject> receiver(component.create());
+        QVERIFY2(receiver != nullptr, qPrintable(component.errorString()));
+        Q_EMIT m_manager->testAboutToLaunch(m_tests.first());
+        QCOMPARE(receiver->property("seen").toString(), QStringLiteral("x"));
+        receiver.reset();
+        collect();
+        verifyEverybodyLives();
     }
 
     void jobOfASignalFromCppOutlivesTheCollector()
@@ -136,7 +205,7 @@ private Q_SLOTS:
         QCOMPARE(receiver->property("seen").toString(), QStringLiteral("A"));
         receiver.reset();
         collect();
-        QCOMPARE(livingJobs(), 3);
+        verifyEverybodyLives();
     }
 
     void managerAndViewsOutliveTheCollector()
@@ -173,10 +242,17 @@ private:
         }
     }
 
-    int livingJobs() const
+    template <typename Object> static int living(const QList<QPointer<Object>>& objects)
     {
-        return static_cast<int>(
-            std::count_if(m_jobs.begin(), m_jobs.end(), [](const QPointer<Job>& job) { return !job.isNull(); }));
+        return static_cast<int>(std::count_if(
+            objects.begin(), objects.end(), [](const QPointer<Object>& object) { return !object.isNull(); }));
+    }
+
+    void verifyEverybodyLives() const
+    {
+        QCOMPARE(living(m_jobs), 3);
+        QCOMPARE(living(m_tests), 2);
+        QVERIFY(!m_list.isNull());
     }
 
     std::unique_ptr<MessageCollector> m_messages;
@@ -184,6 +260,8 @@ private:
     std::unique_ptr<JobManager> m_manager;
     std::unique_ptr<QQmlEngine> m_engine;
     QList<QPointer<Job>> m_jobs;
+    QPointer<QAbstractListModel> m_list;
+    QList<QPointer<Test>> m_tests;
 };
 
 QTEST_GUILESS_MAIN(JobOwnershipTest)
