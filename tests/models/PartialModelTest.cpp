@@ -1,4 +1,5 @@
 #include "models/PartialModel.h"
+#include "tests/models/Letters.h"
 #include "tests/support/Journal.h"
 #include "tests/support/MessageCollector.h"
 #include "tests/support/MetaObjectText.h"
@@ -19,73 +20,6 @@ using namespace jobmanager_test;
 using namespace jobmanager_ui;
 
 namespace {
-
-/// A list of letters, a row each, that changes as a script says: by row signals, or by a reset.
-class Letters : public QAbstractListModel
-{
-public:
-    explicit Letters(QString letters) : m_letters(std::move(letters)) { }
-
-    int rowCount(const QModelIndex& parent = QModelIndex()) const override
-    {
-        return parent.isValid() ? 0 : m_letters.size();
-    }
-    QVariant data(const QModelIndex& index, int role) const override
-    {
-        return role == Qt::DisplayRole ? QVariant(QString(m_letters.at(index.row()))) : QVariant();
-    }
-    QHash<int, QByteArray> roleNames() const override { return { { Qt::DisplayRole, "letter" } }; }
-
-    const QString& letters() const { return m_letters; }
-
-    /// Puts the letters before the row.
-    void insert(int row, const QString& letters)
-    {
-        beginInsertRows(QModelIndex(), row, row + letters.size() - 1);
-        m_letters.insert(row, letters);
-        endInsertRows();
-    }
-    void remove(int first, int last)
-    {
-        beginRemoveRows(QModelIndex(), first, last);
-        m_letters.remove(first, last - first + 1);
-        endRemoveRows();
-    }
-    /// Moves the rows before the row `before`, as counted before the move.
-    void move(int first, int last, int before)
-    {
-        QVERIFY2(beginMoveRows(QModelIndex(), first, last, QModelIndex(), before), "no such move");
-        const QString moved = m_letters.mid(first, last - first + 1);
-        m_letters.insert(before, moved);
-        m_letters.remove(before <= first ? first + moved.size() : first, moved.size());
-        endMoveRows();
-    }
-    /// Makes the letters small ones.
-    void change(int first, int last)
-    {
-        for (int row = first; row <= last; ++row) {
-            m_letters[row] = m_letters.at(row).toLower();
-        }
-        Q_EMIT dataChanged(index(first, 0), index(last, 0), { Qt::DisplayRole });
-    }
-    void reset(const QString& letters)
-    {
-        beginResetModel();
-        m_letters = letters;
-        endResetModel();
-    }
-
-private:
-    QString m_letters;
-};
-
-/// The same, but with its rows under every row too, as a model has them that ignores the parent.
-class LettersUnderEveryParent : public Letters
-{
-public:
-    using Letters::Letters;
-    int rowCount(const QModelIndex& /*parent*/ = QModelIndex()) const override { return letters().size(); }
-};
 
 QString shown(const QAbstractItemModel& model)
 {
@@ -163,7 +97,11 @@ QString slice(const QString& letters, int start, int count)
 
 const QString alphabet = QStringLiteral("ABCDEFGHIJ");
 
+using Script = std::function<void(Letters&)>;
+
 } // namespace
+
+Q_DECLARE_METATYPE(Script)
 
 class PartialModelTest : public QObject
 {
@@ -610,9 +548,6 @@ private Q_SLOTS:
         QCOMPARE(read(*root), QStringLiteral("stu"));
     }
 
-public:
-    using Script = std::function<void(Letters&)>;
-
 private:
     static void fill(PartialModel& model, Letters& source, int start, int count)
     {
@@ -661,8 +596,6 @@ private:
     Journal m_journal;
     std::unique_ptr<MessageCollector> m_messages;
 };
-
-Q_DECLARE_METATYPE(PartialModelTest::Script)
 
 QTEST_GUILESS_MAIN(PartialModelTest)
 #include "PartialModelTest.moc"

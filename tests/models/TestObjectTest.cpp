@@ -65,7 +65,11 @@ void writeFile(const QString& path)
     file.write("guide");
 }
 
+using Write = std::function<void(Test&)>;
+
 } // namespace
+
+Q_DECLARE_METATYPE(Write)
 
 class TestObjectTest : public QObject
 {
@@ -590,9 +594,6 @@ slot setErrorSeverity(int))"));
         QCOMPARE(test.hasGuide(), false);
     }
 
-public:
-    using Write = std::function<void(Test&)>;
-
 private:
     void answer(const char* operation, const QVariant& value)
     {
@@ -623,8 +624,6 @@ private:
     std::unique_ptr<MessageCollector> m_messages;
     std::shared_ptr<RecordingApi> m_api;
 };
-
-Q_DECLARE_METATYPE(TestObjectTest::Write)
 
 QTEST_GUILESS_MAIN(TestObjectTest)
 #include "TestObjectTest.moc"
