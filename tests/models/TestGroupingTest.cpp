@@ -1,12 +1,9 @@
 #include "models/TestGrouping.h"
 #include "models/TestList.h"
 #include "tests/models/ListText.h"
-#include "tests/models/ScriptedTests.h"
-#include "tests/support/MessageCollector.h"
-#include "tests/support/SignalRecorder.h"
+#include "tests/models/TestListFixture.h"
 
 #include <algorithm>
-#include <memory>
 #include <QtTest>
 #include <random>
 #include <utility>
@@ -16,15 +13,7 @@ using namespace jobmanager_ui;
 
 namespace {
 
-const QString job = QStringLiteral("JOB1");
-
 using Ids = std::vector<long long>;
-
-/// What a rebuild emits that leaves the number of rows as it was.
-const QString rebuildSignals = QStringLiteral(R"(emit modelAboutToBeReset()
-emit sectionsChanged()
-emit sectionsCountChanged()
-emit modelReset())");
 
 /// Tests with the display names of the list, without a location.
 std::vector<ScriptedTest> testsNamed(const QStringList& names)
@@ -56,28 +45,13 @@ std::vector<ScriptedTest> fifteenTests()
 
 } // namespace
 
-class TestGroupingTest : public QObject
+class TestGroupingTest : public TestListFixture
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init()
-    {
-        m_journal.take();
-        m_messages = std::make_unique<MessageCollector>();
-        m_api = std::make_shared<RecordingApi>(m_journal);
-        m_list = std::make_unique<TestList>(m_api, job, TestList::TESTSUBSET_ALL);
-        m_recorder = std::make_unique<SignalRecorder>(*m_list, m_journal);
-    }
-
-    void cleanup()
-    {
-        QCOMPARE(m_messages->take().filter(QStringLiteral("warning: ")), QStringList());
-        m_recorder.reset();
-        m_list.reset();
-        m_api.reset();
-        m_messages.reset();
-    }
+    void init() { setUp(); }
+    void cleanup() { tearDown(); }
 
     // The worked examples.
 
@@ -160,7 +134,7 @@ private Q_SLOTS:
         load(fifteenTests());
         m_journal.take();
         m_list->setGroupType(TestGroupType::GROUPBY_LOCATION);
-        QCOMPARE(lines(m_journal.take()), rebuildSignals);
+        QCOMPARE(m_journal.take(), rebuildSignals());
     }
 
     void currentGroupTypeDoesNothing()
@@ -212,13 +186,13 @@ private Q_SLOTS:
         load(fifteenTests());
         m_journal.take();
         m_list->filterTests();
-        QCOMPARE(lines(m_journal.take()), rebuildSignals);
+        QCOMPARE(m_journal.take(), rebuildSignals());
     }
 
     void emptyListSignalsItsSections()
     {
         m_list->setGroupType(TestGroupType::GROUPBY_LOCATION);
-        QCOMPARE(lines(m_journal.take()), rebuildSignals);
+        QCOMPARE(m_journal.take(), rebuildSignals());
         QCOMPARE(m_list->sections(), QVariantList());
         QCOMPARE(m_list->sectionsCount(), 0);
     }
@@ -460,19 +434,6 @@ private Q_SLOTS:
     }
 
 private:
-    void load(const std::vector<ScriptedTest>& tests)
-    {
-        setTests(*m_api, job, tests);
-        m_list->markAsUpdateRequired();
-        m_list->updateDataFromAPIIfRequired();
-    }
-
-    void load(const std::vector<ScriptedTest>& tests, TestGroupType::Enum groupType)
-    {
-        m_list->setGroupType(groupType);
-        load(tests);
-    }
-
     /// Loads five tests whose indexes, locations and names group in different ways, and gives the sections.
     QString groupedText(TestGroupType::Enum groupType)
     {
@@ -489,14 +450,6 @@ private:
     }
 
     QString sections() const { return sectionsText(*m_list); }
-
-    QString ids() const { return orderText(*m_list); }
-
-    Journal m_journal;
-    std::unique_ptr<MessageCollector> m_messages;
-    std::shared_ptr<RecordingApi> m_api;
-    std::unique_ptr<TestList> m_list;
-    std::unique_ptr<SignalRecorder> m_recorder;
 };
 
 QTEST_GUILESS_MAIN(TestGroupingTest)
