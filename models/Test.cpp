@@ -6,17 +6,6 @@
 
 namespace jobmanager_ui {
 
-namespace {
-
-/// A null time differs from every valid one, also from the start of the epoch, with which QDateTime's own comparison
-/// confuses it where local time is UTC.
-bool differ(const QDateTime& one, const QDateTime& other)
-{
-    return one.isValid() != other.isValid() || one != other;
-}
-
-} // namespace
-
 Test::Test(std::shared_ptr<JobManagerAPIAbstraction> api, QString jobID, long long testID)
     : m_api(std::move(api))
     , m_jobID(std::move(jobID))
@@ -110,7 +99,7 @@ void Test::updateDataFromAPI()
 {
     const QDateTime oldTime = m_testTime;
     readSnapshot();
-    if (differ(m_testTime, oldTime)) {
+    if (m_testTime != oldTime) {
         m_errorMessage.clear();
         m_errorSeverity = 0;
     }
