@@ -5,7 +5,7 @@ import JobManagerUi 1.0
 
 import "JobTable.js" as JobTable
 
-/// Everything that the job list knows of one job, and the way into the archive and out of it.
+/// One job: its tests, and everything that the job list knows of it.
 PageFrame {
     id: page
 
@@ -14,8 +14,16 @@ PageFrame {
     /// The job; null from the moment it is gone from the service.
     property QtObject job: null
 
+    property bool detailsShown: false
     readonly property bool gone: job === null
+    readonly property bool loading: !gone && feed.list === null
     property string modifiedOn: ""
+    readonly property alias feed: feed
+    readonly property alias tests: tests
+    readonly property alias tools: tools
+
+    /// The person wants to see this test.
+    signal testChosen(QtObject test, TestFeed feed)
 
     function readModifiedOn() {
         const row = JobTable.rowOf(JobManager, page.jobID)
@@ -31,11 +39,29 @@ PageFrame {
     }
 
     title: gone ? qsTr("Job") : texts.number
-    subtitle: texts.label
+    subtitle: gone ? "" : [texts.label, texts.fullProgress].filter(text => text.length > 0).join(" \u2013 ")
+    barButtons: [
+        BusyIndicator {
+            running: !page.gone && feed.busy
+            implicitWidth: Theme.touch
+            implicitHeight: Theme.touch
+            palette.dark: Theme.barText
+        },
+        BarButton {
+            objectName: "viewButton"
+            visible: !page.gone
+            text: page.detailsShown ? qsTr("Tests") : qsTr("Details")
+            onClicked: page.detailsShown = !page.detailsShown
+        }
+    ]
     Component.onCompleted: readModifiedOn()
 
     JobTexts {
         id: texts
+        job: page.job
+    }
+    TestFeed {
+        id: feed
         job: page.job
     }
     Connections {
@@ -43,113 +69,74 @@ PageFrame {
 
         function onModelReset() { page.readModifiedOn() }
     }
+    Connections {
+        target: page.job
+
+        function onNewTestResultsReceived() { notice.show(qsTr("New test results")) }
+    }
     Timer {
-        running: page.gone
+        // Not under another page, which has to go first.
+        running: page.gone && page.StackView.status === StackView.Active
         interval: 3000
         onTriggered: page.finished()
     }
 
-    ColumnLayout {
+    StackLayout {
         anchors.fill: parent
-        spacing: 0
+        currentIndex: page.detailsShown ? 1 : 0
         visible: !page.gone
 
-        Flickable {
-            id: flickable
-            clip: true
-            contentHeight: card.height + 2 * Theme.margin
-            boundsBehavior: Flickable.StopAtBounds
-            ScrollBar.vertical: ScrollBar { width: 10 }
-            Layout.fillWidth: true
-            Layout.fillHeight: true
+        ColumnLayout {
+            spacing: 0
 
-            Rectangle {
-                id: card
-                x: Theme.margin
-                y: Theme.margin
-                width: flickable.width - 2 * Theme.margin
-                height: content.height + 2 * Theme.margin
-                radius: Theme.radius
-                color: Theme.card
-                border.width: 1
-                border.color: Theme.line
+            TestTools {
+                id: tools
+                objectName: "testTools"
+                filter: feed.filter
+                Layout.fillWidth: true
+                onFilterChosen: {
+                    tests.startOver()
+                    feed.filter = filter
+                }
+                onSearchTextChanged: {
+                    tests.startOver()
+                    feed.searchText = searchText
+                }
+                onGroupingChosen: {
+                    tests.startOver()
+                    feed.group(groupType)
+                }
+            }
+            SectionedTests {
+                id: tests
+                objectName: "tests"
+                job: page.job
+                list: feed.list
+                readable: feed.readable
+                Layout.fillWidth: true
+                Layout.fillHeight: true
+                onChosen: page.testChosen(test, feed)
 
-                // Positioners and not layouts, whose heights go in circles where a text takes several lines.
-                Column {
-                    id: content
-                    x: Theme.margin
-                    y: Theme.margin
-                    width: card.width - 2 * Theme.margin
-                    spacing: Theme.margin
-
-                    RowLayout {
-                        width: content.width
-                        spacing: 2 * Theme.gap
-
-                        PlainLabel {
-                            objectName: "progress"
-                            text: texts.fullProgress
-                            font.pixelSize: Theme.large
-                            font.bold: true
-                        }
-                        RequiredTestsBar {
-                            required: texts.required
-                            completed: texts.completed
-                            implicitHeight: 14
-                            Layout.fillWidth: true
-                        }
-                        StateChip {
-                            text: texts.state
-                            Layout.maximumWidth: 240
-                        }
-                    }
-                    Flow {
-                        id: fields
-                        readonly property int columns: width >= 600 ? 2 : 1
-
-                        width: content.width
-                        spacing: Theme.margin
-
-                        Repeater {
-                            model: [
-                                { key: "customer", name: qsTr("Customer"), value: texts.customer },
-                                { key: "type", name: qsTr("Type"), value: texts.type },
-                                { key: "number", name: qsTr("Job number"), value: texts.number },
-                                { key: "label", name: qsTr("Work order label"), value: texts.label },
-                                { key: "managedBy", name: qsTr("Managed by"), value: texts.managedBy },
-                                { key: "team", name: qsTr("Team"), value: texts.team },
-                                { key: "archived", name: qsTr("Archived"),
-                                  value: texts.archived ? qsTr("Yes") : qsTr("No") },
-                                { key: "modified", name: qsTr("Last modified"),
-                                  value: JobTable.timeText(page.modifiedOn) }
-                            ]
-                            delegate: DetailField {
-                                required property var modelData
-
-                                objectName: modelData.key
-                                width: (fields.width + fields.spacing) / fields.columns - fields.spacing
-                                name: modelData.name
-                                value: modelData.value
-                            }
-                        }
-                    }
+                LoadingState {
+                    objectName: "loading"
+                    anchors.centerIn: parent
+                    visible: page.loading
+                    text: qsTr("Loading the tests\u2026")
+                }
+                EmptyState {
+                    objectName: "noTests"
+                    anchors.centerIn: parent
+                    width: parent.width - 4 * Theme.margin
+                    visible: feed.list !== null && tests.count === 0
+                    text: feed.searching ? qsTr("No test of this job matches") : qsTr("This job has no tests")
                 }
             }
         }
-        Rectangle {
-            color: Theme.card
-            implicitHeight: Theme.touch + 2 * Theme.gap
-            Layout.fillWidth: true
-
-            ActionButton {
-                objectName: "archiveButton"
-                anchors.right: parent.right
-                anchors.rightMargin: Theme.margin
-                anchors.verticalCenter: parent.verticalCenter
-                text: texts.archived ? qsTr("Restore job") : qsTr("Archive job")
-                enabled: !page.gone
-                onClicked: page.toggleArchived()
-            }
+        JobDetails {
+            objectName: "details"
+            summary: texts
+            modifiedOn: page.modifiedOn
+            onArchiveToggled: page.toggleArchived()
         }
     }
     EmptyState {

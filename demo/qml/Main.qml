@@ -12,8 +12,12 @@ ApplicationWindow {
     readonly property alias pages: pages
     readonly property alias jobsPage: jobsPage
 
-    function showJob(id, job) {
-        pages.push("JobPage.qml", { jobID: id, job: job })
+    function showJob(id, job, operation = StackView.PushTransition) {
+        pages.push("JobPage.qml", { jobID: id, job: job }, operation)
+    }
+
+    function showTest(test, feed) {
+        pages.push("TestPage.qml", { test: test, feed: feed })
     }
 
     function goBack() {
@@ -51,8 +55,11 @@ ApplicationWindow {
     }
     Connections {
         target: pages.currentItem
+        // Not every page lets a test be chosen.
+        ignoreUnknownSignals: true
 
         function onFinished() { window.goBack() }
+        function onTestChosen(test, feed) { window.showTest(test, feed) }
     }
     Shortcut {
         sequences: ["Escape", "Back", StandardKey.Back]

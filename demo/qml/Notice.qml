@@ -19,6 +19,7 @@ Rectangle {
 
     PlainLabel {
         id: label
+        objectName: "noticeText"
         anchors.fill: parent
         anchors.leftMargin: 2 * Theme.gap
         anchors.rightMargin: 2 * Theme.gap

@@ -1,4 +1,5 @@
 import QtQuick 2.15
+import QtQuick.Controls 2.15
 import JobManagerUi 1.0
 
 import "JobTable.js" as JobTable
@@ -27,12 +28,17 @@ Item {
     property string seenId: ""
     property real seenAt: 0
     property string changedBefore: ""
+    property QtObject seenTest: null
+
+    /// The one of the sample jobs that has the most tests.
+    readonly property string largeJob: "WO-2026-004400"
 
     readonly property var jobsPage: window.jobsPage
     readonly property var page: window.pages.currentItem
     readonly property var requiredList: jobsPage.requiredList
     readonly property var archivedList: jobsPage.archivedList
 
+    // A step that is there `atOnce` does not last: its picture is taken without waiting for rest.
     readonly property var steps: [
         { name: "the required jobs", picture: "required",
           until: () => shows(requiredList, "jobNumber") },
@@ -49,9 +55,13 @@ Item {
           act: () => requiredList.view.positionViewAtBeginning(),
           until: () => JobTable.idAt(requiredList.model, 0) === changedId },
 
-        { name: "a job's own page", picture: "job",
+        { name: "a job's own page with its tests", picture: "job",
           act: () => requiredList.choose(0),
-          until: () => atRest() && page.jobID === changedId && shows(page, "progress") },
+          until: () => atRest() && page.jobID === changedId && shows(page.tests, "name") },
+
+        { name: "what else there is to know of the job", picture: "job-details",
+          act: () => page.detailsShown = true,
+          until: () => shows(page, "progress") },
 
         { name: "the job in the archive", picture: "job-archived",
           act: () => page.toggleArchived(),
@@ -68,10 +78,88 @@ Item {
         { name: "an archived job's page", picture: "archived-job",
           act: () => archivedList.choose(0),
           until: () => atRest() && page.jobID === JobTable.idAt(archivedList.model, 0)
-                       && shows(page, "progress") },
+                       && shows(page.tests, "name") },
+
+        { name: "the lists again",
+          act: () => { page.finished(); jobsPage.tabIndex = 0 },
+          until: () => atRest() && page === jobsPage },
+
+        { name: "the page of the job with the most tests, while they are being loaded", picture: "tests-loading",
+          atOnce: true,
+          act: () => window.showJob(largeJob, JobTable.jobAt(JobManager, JobTable.rowOf(JobManager, largeJob)),
+                                    StackView.Immediate),
+          until: () => page.jobID === largeJob && page.loading && shows(page, "loadingText") },
+
+        { name: "its tests", picture: "tests",
+          until: () => atRest() && page.tests.count > 400 && shows(page.tests, "status") },
+
+        { name: "the middle of the tests", picture: "tests-scrolled",
+          act: () => page.tests.scrollTo(page.tests.flickable.contentHeight / 2),
+          until: () => shows(page.tests, "status") },
+
+        { name: "a new result in an unmoved list", picture: "tests-new-result",
+          act: () => changeTest(page.tests.rowsOnScreen()[2].test, "fail"),
+          until: () => page.tests.flickable.contentY === seenAt && shows(page, "noticeText")
+                       && testRow(seenTest).status === "fail" },
+
+        { name: "folded sections", picture: "tests-folded",
+          act: () => {
+              page.tests.startOver()
+              page.tests.sections.filter(section => section.hasHeader).slice(0, 3).forEach(
+                  section => page.tests.toggle(section.title))
+          },
+          until: () => page.tests.sections[0].folded && shows(page.tests, "status") },
+
+        { name: "the completed tests", picture: "tests-completed",
+          act: () => page.tools.filterChosen(TestList.TESTFILTER_COMPLETED),
+          until: () => page.tests.count < 400 && statusesOnScreen().every(status => status.length > 0) },
+
+        { name: "the open tests", picture: "tests-open",
+          act: () => page.tools.filterChosen(TestList.TESTFILTER_INCOMPLETE),
+          until: () => page.tests.count < 400 && statusesOnScreen().every(status => status.length === 0) },
+
+        { name: "no test at all", picture: "tests-none",
+          act: () => { page.tools.filterChosen(TestList.TESTFILTER_ALL); page.tools.searchText = "nowhere" },
+          until: () => page.tests.count === 0 && shows(page.tests, "noTests") },
+
+        { name: "the tests by location", picture: "tests-by-location",
+          act: () => { page.tools.searchText = ""; page.tools.groupingChosen(TestGroupType.GROUPBY_LOCATION) },
+          until: () => page.tests.groupType === TestGroupType.GROUPBY_LOCATION && shows(page.tests, "status") },
+
+        { name: "the tests by type", picture: "tests-by-type",
+          act: () => page.tools.groupingChosen(TestGroupType.GROUPBY_TEST_NAME),
+          until: () => page.tests.groupType === TestGroupType.GROUPBY_TEST_NAME && shows(page.tests, "status") },
+
+        { name: "the tests in the order of the job again",
+          act: () => page.tools.groupingChosen(TestGroupType.DEFAULT_VIEW),
+          until: () => page.tests.groupType === TestGroupType.DEFAULT_VIEW && shows(page.tests, "status") },
+
+        { name: "a test's own page", picture: "test",
+          act: () => openTest(test => test.testType !== "manual"),
+          until: () => atRest() && page.test === seenTest && shows(page, "status") },
+
+        { name: "a new result on the test's page", picture: "test-new-result",
+          act: () => changeTest(seenTest, "skipped"),
+          until: () => page.details.status === "skipped" && shows(page, "noticeText") },
+
+        { name: "the list of tests again, where it was",
+          act: () => page.finished(),
+          until: () => atRest() && page.jobID === largeJob },
+
+        { name: "a manual test's page", picture: "manual-test",
+          act: () => openTest(test => test.testType === "manual"),
+          until: () => atRest() && page.test === seenTest && shows(page, "status") },
+
+        { name: "the list of tests once more",
+          act: () => page.finished(),
+          until: () => atRest() && page.jobID === largeJob },
+
+        { name: "the lists in the end",
+          act: () => page.finished(),
+          until: () => atRest() && page === jobsPage },
 
         { name: "the settings", picture: "settings",
-          act: () => { page.finished(); jobsPage.settingsWanted() },
+          act: () => jobsPage.settingsWanted(),
           until: () => atRest() && shows(page, "title") && page.port === JobManager.restApiPort },
 
         { name: "the first page again", picture: "end",
@@ -126,15 +214,49 @@ Item {
         seenAt = selectedAt()
         changedId = JobTable.idAt(requiredList.model, requiredList.count - 1)
         changedBefore = modifiedOn(changedId)
+        putResult(changedId, "0", "pass")
+    }
+
+    /// The row of a test on the screen.
+    function testRow(test) {
+        return page.tests.rowsOnScreen().find(row => row.test === test)
+    }
+
+    function statusesOnScreen() {
+        return page.tests.rowsOnScreen().map(row => row.status)
+    }
+
+    /// Gives a test of the large job a new result.
+    function changeTest(test, status) {
+        seenTest = test
+        seenAt = page.tests ? page.tests.flickable.contentY : 0
+        const location = test.locationIndex >= 0 ? "_" + test.locationIndex : ""
+        putResult(largeJob, test.testIndex + location, status)
+    }
+
+    /// Opens the page of the first test of the list that fits.
+    function openTest(fits) {
+        const list = page.feed.list
+        for (let row = 0; row < list.rowCount(); ++row) {
+            const test = list.data(list.index(row, 0), TestList.Test)
+            if (fits(test)) {
+                seenTest = test
+                page.tests.choose(test)
+                return
+            }
+        }
+    }
+
+    function putResult(jobID, uiIndex, status) {
         const request = new XMLHttpRequest()
         request.onreadystatechange = () => {
             if (request.readyState === XMLHttpRequest.DONE && request.status !== 204)
                 fail("an accepted change (the service answered " + request.status + ")")
         }
         request.open("PUT", "http://127.0.0.1:" + JobManager.restApiPort + "/api/v1/jobs/"
-                     + encodeURIComponent(changedId) + "/tests/0/results")
+                     + encodeURIComponent(jobID) + "/tests/" + uiIndex + "/results")
         request.setRequestHeader("Content-Type", "application/json")
-        request.send(JSON.stringify({ status: "pass", time: new Date().toISOString() }))
+        request.send(JSON.stringify({ status: status, time: new Date().toISOString() }))
     }
 
     function nextStep() {
@@ -149,6 +271,8 @@ Item {
         if (steps[stepIndex].act)
             steps[stepIndex].act()
         timer.start()
+        if (steps[stepIndex].atOnce)
+            look()
     }
 
     function look() {
@@ -161,7 +285,7 @@ Item {
         }
         if (restUntil === 0)
             restUntil = Date.now() + rest
-        if (Date.now() < restUntil)
+        if (!step.atOnce && Date.now() < restUntil)
             return
         timer.stop()
         if (step.picture)

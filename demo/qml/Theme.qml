@@ -16,6 +16,8 @@ QtObject {
     readonly property color accent: "#0b6e8a"
     readonly property color accentPressed: "#084f63"
     readonly property color done: "#2c7a3f"
+    readonly property color failed: "#b3261e"
+    readonly property color section: "#dde7f0"
     readonly property color track: "#d3dce4"
     readonly property color chip: "#dde7f0"
     readonly property color notice: "#2b3642"

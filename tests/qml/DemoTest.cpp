@@ -25,7 +25,7 @@ Ended runDemo(const QStringList& arguments)
     QProcess demo;
     demo.start(
         QStringLiteral(DEMO_BINARY), QStringList{ QStringLiteral("-I"), QStringLiteral(DEMO_IMPORT_PATH) } + arguments);
-    if (!demo.waitForFinished(stretched(60000))) {
+    if (!demo.waitForFinished(stretched(120000))) {
         demo.kill();
         demo.waitForFinished();
         return {};
@@ -85,8 +85,14 @@ void DemoTest::drivesItselfThroughItsScreensAndLeavesAPictureOfEach()
     const QStringList names = folder.entryList(QDir::Files, QDir::Name);
     const QStringList expected{ QStringLiteral("01-required.png"), QStringLiteral("02-scrolled.png"),
         QStringLiteral("03-changed.png"), QStringLiteral("04-changed-on-top.png"), QStringLiteral("05-job.png"),
-        QStringLiteral("06-job-archived.png"), QStringLiteral("07-archived.png"), QStringLiteral("08-archived-job.png"),
-        QStringLiteral("09-settings.png"), QStringLiteral("10-end.png") };
+        QStringLiteral("06-job-details.png"), QStringLiteral("07-job-archived.png"), QStringLiteral("08-archived.png"),
+        QStringLiteral("09-archived-job.png"), QStringLiteral("10-tests-loading.png"), QStringLiteral("11-tests.png"),
+        QStringLiteral("12-tests-scrolled.png"), QStringLiteral("13-tests-new-result.png"),
+        QStringLiteral("14-tests-folded.png"), QStringLiteral("15-tests-completed.png"),
+        QStringLiteral("16-tests-open.png"), QStringLiteral("17-tests-none.png"),
+        QStringLiteral("18-tests-by-location.png"), QStringLiteral("19-tests-by-type.png"),
+        QStringLiteral("20-test.png"), QStringLiteral("21-test-new-result.png"), QStringLiteral("22-manual-test.png"),
+        QStringLiteral("23-settings.png"), QStringLiteral("24-end.png") };
     QCOMPARE(names, expected);
     for (const QString& name : names) {
         const QImage picture(folder.filePath(name));

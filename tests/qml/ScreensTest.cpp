@@ -5,8 +5,11 @@
 #include "tests/support/ServiceProcess.h"
 
 #include <cstdio>
+#include <QDir>
+#include <QFile>
 #include <QQmlContext>
 #include <QQmlEngine>
+#include <QTemporaryDir>
 #include <QtQuickTest>
 
 namespace {
@@ -22,8 +25,15 @@ class ScreensSetup : public QObject
     Q_OBJECT
 
 public:
+    /// Starts the service, in a folder where there is the guide of one test of the samples.
     bool startService()
     {
+        QDir folder(m_folder.path());
+        QFile guide(m_folder.filePath(QStringLiteral("guides/otdr-bidirectional.pdf")));
+        if (!folder.mkpath(QStringLiteral("guides")) || !guide.open(QIODevice::WriteOnly)
+            || !QDir::setCurrent(m_folder.path())) {
+            return false;
+        }
         m_service.setPort(modulePort);
         return m_service.start();
     }
@@ -38,7 +48,8 @@ public Q_SLOTS:
     }
 
 private:
-    jobmanager_test::ServiceProcess m_service{ { "--load", JOBMANAGER_SAMPLES } };
+    QTemporaryDir m_folder;
+    jobmanager_test::ServiceProcess m_service{ { "--load", JOBMANAGER_SAMPLES, "--generate", "jobs=1,tests=5000" } };
     JobServiceActions m_actions{ modulePort };
 };
 

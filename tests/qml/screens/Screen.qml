@@ -1,9 +1,11 @@
 import QtQuick 2.15
+import QtQuick.Controls 2.15
 import QtTest 1.15
 import JobManagerUi 1.0
 
 import "../../../demo/qml"
 import "../../../demo/qml/JobTable.js" as JobTable
+import "../../../demo/qml/SectionLayout.js" as SectionLayout
 
 /// The demo's window over a real job service, and how tests look at it.
 TestCase {
@@ -20,7 +22,8 @@ TestCase {
     when: windowShown
 
     function init() {
-        service.setActiveJob("")
+        if (JobManager.currentJob !== null)
+            service.setActiveJob("")
         window = createTemporaryObject(windowComponent, screen)
         tryVerify(() => JobManager.currentJob === null, aWhile)
         tryVerify(() => idsOf(JobManager).length === service.jobIds().length, aWhile)
@@ -29,6 +32,7 @@ TestCase {
 
     function cleanup() {
         JobManager.pauseAutomaticUpdates = false
+        JobManager.groupType = TestGroupType.DEFAULT_VIEW
     }
 
     /// The ids of a model of jobs, in row order.
@@ -58,6 +62,45 @@ TestCase {
         waitForRendering(window.pages)
         mouseClick(rowItem(list, id))
         tryVerify(() => page !== jobsPage && !window.pages.busy, aWhile)
+    }
+
+    /// Opens the page of a job, and waits for its tests.
+    function openJob(id) {
+        window.showJob(id, JobTable.jobAt(JobManager, JobTable.rowOf(JobManager, id)), StackView.Immediate)
+        compare(page.jobID, id)
+        tryVerify(() => page.feed.readable, aWhile)
+        waitForRendering(window.pages)
+    }
+
+    /// Opens the page of the test with this index string, as a finger does.
+    function tapTest(uiIndex) {
+        const tests = page.tests
+        const list = page.feed.list
+        const rows = Array.from({ length: list.rowCount() }, (_, row) => row)
+        const row = rows.find(row => uiIndexOf(list.data(list.index(row, 0), TestList.Test)) === uiIndex)
+        tests.scrollTo(SectionLayout.topOfRow(tests.sections, row) - 2 * SectionLayout.headerHeight)
+        waitForRendering(window.pages)
+        mouseClick(testRow(uiIndex))
+        tryVerify(() => page.test !== undefined && !window.pages.busy && page.details.statusKnown, aWhile)
+    }
+
+    function uiIndexOf(test) {
+        return test.testIndex + (test.locationIndex < 0 ? "" : "_" + test.locationIndex)
+    }
+
+    /// The index strings of the tests on the screen of a job's page, from the top.
+    function shownTests() {
+        return page.tests.rowsOnScreen().map(row => uiIndexOf(row.test))
+    }
+
+    /// The row of a test on the screen of a job's page.
+    function testRow(uiIndex) {
+        return page.tests.rowsOnScreen().find(row => uiIndexOf(row.test) === uiIndex)
+    }
+
+    /// Where an item is on the screen.
+    function topOnScreen(item) {
+        return item.mapToItem(window.pages, 0, 0).y
     }
 
     Component {

@@ -11,15 +11,21 @@ Screen {
         return textIn(findChild(page, key), "value")
     }
 
+    function showDetails() {
+        mouseClick(findChild(page.header, "viewButton"))
+        verify(findChild(page, "details").visible)
+    }
+
     function test_tapOnARowOpensThePageOfItsJob() {
         tapJob(jobsPage.requiredList, "WO-2026-004761")
         compare(page.jobID, "WO-2026-004761")
         compare(textIn(page.header, "title"), "WO-2026-004761")
-        compare(textIn(page.header, "subtitle"), "Site task")
+        compare(textIn(page.header, "subtitle"), "Site task – Required tests: 1 of 3")
     }
 
     function test_pageShowsTheWholeSummary() {
         tapJob(jobsPage.requiredList, "WO-2026-004761")
+        showDetails()
         const summary = service.summary("WO-2026-004761")
         compare(field("customer"), "Site 0417 – Grand Hôtel, toiture")
         compare(field("type"), "5G fronthaul acceptance")
@@ -36,6 +42,7 @@ Screen {
 
     function test_longValueTakesTheLinesThatItNeeds() {
         tapJob(jobsPage.requiredList, "WO-2026-004690")
+        showDetails()
         const value = findChild(findChild(page, "customer"), "value")
         compare(value.text, "Stadtwerke Übersee, Abteilung Öffentliche Beleuchtung und Verkehrstechnik")
         verify(value.lineCount > 1)
@@ -44,6 +51,7 @@ Screen {
 
     function test_missingValueShowsAsADash() {
         tapJob(jobsPage.requiredList, "WO-2026-004802")
+        showDetails()
         compare(field("type"), "–")
         compare(field("team"), "–")
     }
@@ -60,6 +68,7 @@ Screen {
 
     function test_changeInTheServiceShowsOnTheOpenPageWithinASecond() {
         tapJob(jobsPage.requiredList, "WO-2026-004790")
+        showDetails()
         const before = page.modifiedOn
         service.completeJob("WO-2026-004790")
         tryVerify(() => textIn(page, "progress") === "Required tests: 3 of 3", oneSecond)
@@ -69,6 +78,7 @@ Screen {
     function test_archiveButtonArchivesAndRestores() {
         makeJob("ARCHIVE-ME")
         tapJob(jobsPage.requiredList, "ARCHIVE-ME")
+        showDetails()
         const button = findChild(page, "archiveButton")
         compare(button.text, "Archive job")
         mouseClick(button)
@@ -83,6 +93,7 @@ Screen {
     function test_refusedArchivingShowsAsNotChanged() {
         makeJob("REFUSED")
         tapJob(jobsPage.requiredList, "REFUSED")
+        showDetails()
         JobManager.pauseAutomaticUpdates = true
         service.deleteJob("REFUSED")
         mouseClick(findChild(page, "archiveButton"))

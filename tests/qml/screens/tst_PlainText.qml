@@ -20,7 +20,10 @@ Screen {
 
     function test_noTextOfThisPageIsMarkup_data() {
         return [{ tag: "jobs", open: () => {} },
-                { tag: "job", open: () => jobsPage.requiredList.choose(0) },
+                { tag: "job", open: () => openJob("WO-2026-004711") },
+                { tag: "details", open: () => { openJob("WO-2026-004711"); page.detailsShown = true } },
+                { tag: "test", open: () => { openJob("WO-2026-004711"); tapTest("0_0") } },
+                { tag: "manual test", open: () => { openJob("WO-2026-004711"); tapTest("4") } },
                 { tag: "settings", open: () => jobsPage.settingsWanted() }]
     }
 

@@ -1,0 +1,117 @@
+import QtQuick 2.15
+import QtQuick.Controls 2.15
+import QtQuick.Layouts 1.15
+
+import "JobTable.js" as JobTable
+
+/// Everything that the job list knows of one job, and the way into the archive and out of it.
+ColumnLayout {
+    id: details
+
+    /// What there is to show of the job.
+    required property JobTexts summary
+    /// When the job was last modified, as the service's own text.
+    property string modifiedOn: ""
+
+    /// The person wants the job in the archive, or out of it.
+    signal archiveToggled()
+
+    spacing: 0
+
+    Flickable {
+        id: flickable
+        clip: true
+        contentHeight: card.height + 2 * Theme.margin
+        boundsBehavior: Flickable.StopAtBounds
+        ScrollBar.vertical: ScrollBar { width: 10 }
+        Layout.fillWidth: true
+        Layout.fillHeight: true
+
+        Rectangle {
+            id: card
+            x: Theme.margin
+            y: Theme.margin
+            width: flickable.width - 2 * Theme.margin
+            height: content.height + 2 * Theme.margin
+            radius: Theme.radius
+            color: Theme.card
+            border.width: 1
+            border.color: Theme.line
+
+            // Positioners and not layouts, whose heights go in circles where a text takes several lines.
+            Column {
+                id: content
+                x: Theme.margin
+                y: Theme.margin
+                width: card.width - 2 * Theme.margin
+                spacing: Theme.margin
+
+                RowLayout {
+                    width: content.width
+                    spacing: 2 * Theme.gap
+
+                    PlainLabel {
+                        objectName: "progress"
+                        text: details.summary.fullProgress
+                        font.pixelSize: Theme.large
+                        font.bold: true
+                    }
+                    RequiredTestsBar {
+                        required: details.summary.required
+                        completed: details.summary.completed
+                        implicitHeight: 14
+                        Layout.fillWidth: true
+                    }
+                    StateChip {
+                        text: details.summary.state
+                        Layout.maximumWidth: 240
+                    }
+                }
+                Flow {
+                    id: fields
+                    readonly property int columns: width >= 600 ? 2 : 1
+
+                    width: content.width
+                    spacing: Theme.margin
+
+                    Repeater {
+                        model: [
+                            { key: "customer", name: qsTr("Customer"), value: details.summary.customer },
+                            { key: "type", name: qsTr("Type"), value: details.summary.type },
+                            { key: "number", name: qsTr("Job number"), value: details.summary.number },
+                            { key: "label", name: qsTr("Work order label"), value: details.summary.label },
+                            { key: "managedBy", name: qsTr("Managed by"), value: details.summary.managedBy },
+                            { key: "team", name: qsTr("Team"), value: details.summary.team },
+                            { key: "archived", name: qsTr("Archived"),
+                              value: details.summary.archived ? qsTr("Yes") : qsTr("No") },
+                            { key: "modified", name: qsTr("Last modified"),
+                              value: JobTable.timeText(details.modifiedOn) }
+                        ]
+                        delegate: DetailField {
+                            required property var modelData
+
+                            objectName: modelData.key
+                            width: (fields.width + fields.spacing) / fields.columns - fields.spacing
+                            name: modelData.name
+                            value: modelData.value
+                        }
+                    }
+                }
+            }
+        }
+    }
+    Rectangle {
+        color: Theme.card
+        implicitHeight: Theme.touch + 2 * Theme.gap
+        Layout.fillWidth: true
+
+        ActionButton {
+            objectName: "archiveButton"
+            anchors.right: parent.right
+            anchors.rightMargin: Theme.margin
+            anchors.verticalCenter: parent.verticalCenter
+            text: details.summary.archived ? qsTr("Restore job") : qsTr("Archive job")
+            onClicked: details.archiveToggled()
+        }
+    }
+}

@@ -1,0 +1,136 @@
+import QtQuick 2.15
+import QtQuick.Controls 2.15
+import QtQuick.Layouts 1.15
+
+/// One test, or one location of a test: what there is to do, how, and what came of it.
+PageFrame {
+    id: page
+
+    // Given when the page is pushed. Not required properties: a StackView never completes a page that has one.
+    /// The test; null from the moment it is gone from its job.
+    property QtObject test: null
+    /// The tests of its job.
+    property TestFeed feed: null
+
+    readonly property bool gone: test === null
+    readonly property alias details: details
+
+    title: gone ? qsTr("Test") : details.name
+    subtitle: details.location
+
+    TestDetails {
+        id: details
+        test: page.test
+        readable: page.feed !== null && page.feed.readable
+    }
+    Connections {
+        target: page.feed ? page.feed.job : null
+
+        function onNewTestResultsReceived() { notice.show(qsTr("New test results")) }
+    }
+    Timer {
+        running: page.gone
+        interval: 3000
+        onTriggered: page.finished()
+    }
+
+    Flickable {
+        id: flickable
+        anchors.fill: parent
+        clip: true
+        contentHeight: card.height + 2 * Theme.margin
+        boundsBehavior: Flickable.StopAtBounds
+        visible: !page.gone
+        ScrollBar.vertical: ScrollBar { width: 10 }
+
+        Rectangle {
+            id: card
+            x: Theme.margin
+            y: Theme.margin
+            width: flickable.width - 2 * Theme.margin
+            height: content.height + 2 * Theme.margin
+            radius: Theme.radius
+            color: Theme.card
+            border.width: 1
+            border.color: Theme.line
+
+            // Positioners and not layouts, whose heights go in circles where a text takes several lines.
+            Column {
+                id: content
+                x: Theme.margin
+                y: Theme.margin
+                width: card.width - 2 * Theme.margin
+                spacing: Theme.margin
+
+                RowLayout {
+                    width: content.width
+                    spacing: 2 * Theme.gap
+
+                    TestStatusChip {
+                        status: details.status
+                        visible: details.statusKnown
+                        Layout.maximumWidth: 240
+                    }
+                    PlainLabel {
+                        objectName: "time"
+                        text: details.time.length > 0 ? details.time : qsTr("Not run yet")
+                        Layout.fillWidth: true
+                    }
+                    PlainLabel {
+                        objectName: "requirement"
+                        text: details.requirement
+                        color: Theme.textQuiet
+                    }
+                }
+                ManualPrompt {
+                    objectName: "manualPrompt"
+                    width: content.width
+                    visible: details.manual
+                    prompt: details.prompt
+                    answerType: details.answerType
+                    options: details.options
+                    answer: details.answer
+                }
+                DetailField {
+                    objectName: "description"
+                    width: content.width
+                    name: qsTr("Description")
+                    value: details.description
+                }
+                DetailField {
+                    objectName: "site"
+                    width: content.width
+                    name: qsTr("Site")
+                    value: details.site
+                }
+                DetailField {
+                    objectName: "configuration"
+                    width: content.width
+                    name: qsTr("Configuration")
+                    value: details.configuration.join("\n")
+                }
+                DetailField {
+                    objectName: "guide"
+                    width: content.width
+                    visible: details.guide.length > 0
+                    name: qsTr("Guide")
+                    value: details.guide
+                }
+            }
+        }
+    }
+    EmptyState {
+        objectName: "goneText"
+        anchors.centerIn: parent
+        width: parent.width - 4 * Theme.margin
+        visible: page.gone
+        text: qsTr("This test is gone: its job has it no longer.")
+    }
+    Notice {
+        id: notice
+        objectName: "notice"
+        anchors.horizontalCenter: parent.horizontalCenter
+        anchors.bottom: parent.bottom
+        anchors.bottomMargin: Theme.touch
+    }
+}
