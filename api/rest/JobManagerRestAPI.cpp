@@ -50,6 +50,8 @@ JobManagerRestAPI::JobManagerRestAPI(std::string host, unsigned short port)
     , m_port(port)
     , m_cache(m_client)
 {
+    createJobAttributeExtractors();
+    createTestAttributeExtractors();
     m_client.setUiGroupType(groupName(TestGroupType::DEFAULT_VIEW));
 }
 

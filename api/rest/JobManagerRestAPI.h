@@ -2,12 +2,14 @@
 
 #include "api/cdm/CdmSouthboundJob.h"
 #include "api/JobManagerAPIAbstraction.h"
+#include "api/rest/AttributeExtractor.h"
 #include "api/rest/JobManagerRestAPICache.h"
 #include "client/RestApiJobManager.h"
 
 #include <array>
 #include <mutex>
 #include <optional>
+#include <utility>
 
 namespace jobmanager_ui {
 
@@ -51,8 +53,11 @@ public:
     bool createJob(QString WorkOrderNo, QString TechID, QString templateName, QString locationsFilename,
         bool syncJobToNimbrel) override;
 
+    /// Sorted: "techId", "contractorId" if the job has one, and "attributes/" with each attribute's name.
     std::vector<QString> getAllOptionalJobProperties(QString jobID) override;
+    /// A default one, without a name, where getOptionalJobProperty is invalid.
     PropertyDisplayInfo getOptionalJobPropertyDisplayInfo(QString jobID, const QString& propName) override;
+    /// A text, empty for what the job does not have; invalid for a name that no job can have.
     QVariant getOptionalJobProperty(QString jobID, const QString& propName) override;
     bool setOptionalJobProperty(QString jobID, const QString& propName, const QVariant& value) override;
     QStringList getTeamTechIds(QString jobID) override;
@@ -78,10 +83,14 @@ public:
     QStringList getTestConfiguration(QString jobID, long long testID) override;
     QString getTestGuideFile(QString jobID, long long testID) override;
 
+    /// Sorted: "location" if the id names one, and "attributes/" with each name of the location's and the test's.
     std::vector<QString> getAllOptionalTestProperties(QString jobID, long long testID) override;
+    /// Only name, label and whether it can be edited; the rest is as in a default one.
     PropertyDisplayInfo getOptionalTestPropertyDisplayInfo(
         QString jobID, long long testID, const QString& propName) override;
+    /// A text, empty for what neither location nor test has; invalid for an unknown test, or a name no test can have.
     QVariant getOptionalTestProperty(QString jobID, long long testID, const QString& propName) override;
+    /// Always false: the properties of tests are read-only.
     bool setOptionalTestProperty(
         QString jobID, long long testID, const QString& propName, const QVariant& value) override;
 
@@ -97,6 +106,7 @@ public:
     QString getWorkOrderLabelFromTemplate(const QString& typeName) override;
     int getTemplateNumberOfTests(const QString& typeName) override;
 
+    /// The members of the test's configuration data; empty if that is no object.
     QVariantMap getManualTestConfiguration(QString jobID, long long testID) override;
     /// The location's answer, or that of a test with at most one location.
     QString getTestResponse(QString jobID, long long testID) override;
@@ -123,12 +133,27 @@ public:
     /// Keeps `port` as it is, and gives the client its low 16 bits; what was cached from the other port is dropped.
     void setRestApiPort(int port) override;
 
+    /// The attribute of that property name ("techId", "attributes/name"); a default one if the job does not have it.
+    /// Nothing for an empty name and one that no extractor serves.
+    std::optional<cdm::Attribute> getJobAttribute(const QString& jobID, const QString& name);
+    /// The same of a test and its location ("location", "attributes/name"); nothing for an unknown test, too.
+    std::optional<cdm::Attribute> getTestAttribute(const QString& jobID, long long testID, const QString& name);
+
     /// How many locations the test has.
     int getNumberOfTestLocations(const cdm::Test& test) const;
     /// A copy of the result data of the location that the id names, or else of a test with at most one location.
     std::optional<nlohmann::json> getResultsData(cdm::Test& test, long long testId);
 
 private:
+    /// A test, never null, and the location that the id names, if it does.
+    using TestAndLocation = std::pair<cdm::Test*, cdm::TestLocation*>;
+
+    void createJobAttributeExtractors();
+    void createTestAttributeExtractors();
+    /// Nothing for an unknown test.
+    std::optional<TestAndLocation> findTestAndLocation(const QString& jobID, long long testID);
+    /// The data that getResultsData copies; null if there is none.
+    const nlohmann::json* findResultsData(cdm::Test& test, long long testID) const;
     /// The results that may answer for the id, the location's first; null for each that does not count or exist.
     std::array<const cdm::TestResults*, 2> resultsInOrder(cdm::Test& test, long long testID) const;
     cdm::TestLocation* findLocation(cdm::Test& test, long long testID) const;
@@ -139,6 +164,8 @@ private:
     std::string m_host;
     int m_port;
     JobManagerRestAPICache m_cache;
+    QHash<QString, AttributeExtractor<cdm::CdmSouthboundJob>> m_jobAttributeExtractors;
+    QHash<QString, AttributeExtractor<TestAndLocation>> m_testAttributeExtractors;
     /// Guards the pending store, which is the next two fields, and nothing else.
     std::mutex m_fetchMutex;
     std::optional<std::vector<RestApiJobManager::MinimalJobInfo>> m_fetchedJobList;

@@ -48,8 +48,14 @@ void JobManagerRestAPICache::addToCache(const std::vector<RestApiJobManager::Min
 
 void JobManagerRestAPICache::addToCache(cdm::CdmSouthboundJob job)
 {
-    cdm::CdmSouthboundJob& entry = m_cdmJobs[QString::fromStdString(job.details.id)];
-    entry = std::move(job);
+    const QString id = QString::fromStdString(job.details.id);
+    store(id, std::move(job));
+}
+
+void JobManagerRestAPICache::store(const QString& jobId, cdm::CdmSouthboundJob job)
+{
+    m_testPositions.remove(jobId);
+    m_cdmJobs[jobId] = std::move(job);
 }
 
 void JobManagerRestAPICache::fetchJobListIfRequired()
@@ -83,8 +89,7 @@ void JobManagerRestAPICache::fetchJobIfRequired(const QString& jobId)
         return;
     qCDebug(logCategory) << "JobManagerRestAPICache: fetching job: " << jobId;
     // The call comes before the entry: a reader never meets one that is not filled.
-    cdm::CdmSouthboundJob job = m_client.getJob(jobId.toStdString());
-    m_cdmJobs[jobId] = std::move(job);
+    store(jobId, m_client.getJob(jobId.toStdString()));
 }
 
 cdm::CdmSouthboundJob* JobManagerRestAPICache::getCdmJob(const QString& jobId)
@@ -99,10 +104,23 @@ cdm::Test* JobManagerRestAPICache::getCdmTest(const QString& jobId, long long te
     cdm::CdmSouthboundJob* const job = getCdmJob(jobId);
     if (!job || !job->tests)
         return nullptr;
-    const std::string key = getTestUiIndexFromTestId(testId);
-    const auto found = std::find_if(
-        job->tests->begin(), job->tests->end(), [&key](const cdm::Test& test) { return test.uiIndex == key; });
-    return found == job->tests->end() ? nullptr : &*found;
+    auto positions = m_testPositions.find(jobId);
+    if (positions == m_testPositions.end())
+        positions = m_testPositions.insert(jobId, positionsOf(*job->tests));
+    const auto found = positions->find(getTestUiIndexFromTestId(testId));
+    return found == positions->end() ? nullptr : &(*job->tests)[found->second];
+}
+
+JobManagerRestAPICache::TestPositions JobManagerRestAPICache::positionsOf(const std::vector<cdm::Test>& tests)
+{
+    TestPositions positions;
+    positions.reserve(tests.size());
+    for (std::size_t position = 0; position < tests.size(); ++position) {
+        // Does nothing for an index string that is there: the first test goes before later ones.
+        if (tests[position].uiIndex)
+            positions.emplace(*tests[position].uiIndex, position);
+    }
+    return positions;
 }
 
 cdm::TestLocation* JobManagerRestAPICache::getCdmTestLocation(cdm::Test& test, int locationIndex) const
@@ -133,6 +151,7 @@ void JobManagerRestAPICache::clear()
     // The job ids and summaries stay as they are: with the flag down nobody sees them before the next list.
     m_jobListFetched = false;
     m_cdmJobs.clear();
+    m_testPositions.clear();
     m_testConfigs.clear();
 }
 

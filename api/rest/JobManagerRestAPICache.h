@@ -3,10 +3,12 @@
 #include "api/cdm/CdmSouthboundJob.h"
 #include "client/RestApiJobManager.h"
 
+#include <cstddef>
 #include <QHash>
 #include <QList>
 #include <QString>
 #include <string>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -51,10 +53,11 @@ public:
     /// Fetches the job's record, blocking, if none is held under that id. What comes is filed under the requested
     /// id, whatever its own is, so that the service is asked for an id only once.
     void fetchJobIfRequired(const QString& jobId);
-    /// The job's record; fetches it if there is none.
+    /// The job's record; fetches it if there is none. It may be patched in place, but for its list of tests and their
+    /// index strings: what finds them is built once a record.
     cdm::CdmSouthboundJob* getCdmJob(const QString& jobId);
     /// The first test with the test id's index string, its location left out of account; null if there is none.
-    /// Fetches the job's record if there is none.
+    /// Fetches the job's record if there is none. Takes constant time, but for the first call on a record.
     cdm::Test* getCdmTest(const QString& jobId, long long testId);
     /// The location at that position of the test's list; null outside it.
     cdm::TestLocation* getCdmTestLocation(cdm::Test& test, int locationIndex) const;
@@ -65,12 +68,20 @@ public:
     void clear();
 
 private:
+    /// Position in a job's list of tests, by index string.
+    using TestPositions = std::unordered_map<std::string, std::size_t>;
+
+    static TestPositions positionsOf(const std::vector<cdm::Test>& tests);
+    void store(const QString& jobId, cdm::CdmSouthboundJob job);
+
     RestApiJobManager& m_client;
     bool m_jobListFetched = false;
     std::vector<QString> m_jobIds;
     QHash<QString, RestApiJobManager::MinimalJobInfo> m_minimalJobInfos;
     QHash<QString, cdm::CdmSouthboundJob> m_cdmJobs;
     QHash<QString, QHash<long long, TestConfig>> m_testConfigs;
+    /// Of the records whose tests were asked for, by job id; gone when the record is.
+    QHash<QString, TestPositions> m_testPositions;
 };
 
 } // namespace jobmanager_ui

@@ -5,13 +5,15 @@
 #include "api/rest/TestIdentifiers.h"
 
 #include <QDebug>
+#include <QJsonDocument>
+#include <QJsonObject>
 
 namespace jobmanager_ui {
 
 namespace {
 
 /// True for result data that marks its test as added in the field.
-bool isAdditionalTest(const std::optional<nlohmann::json>& data)
+bool isAdditionalTest(const nlohmann::json* data)
 {
     // Anything but an object contains nothing.
     if (!data || !data->contains("ijm_additionalTest"))
@@ -126,7 +128,7 @@ TestRequirement::Enum JobManagerRestAPI::getTestRequired(QString jobID, long lon
     if (!test)
         return TestRequirement::TEST_REQUIRED;
     // Read before the flag is known: data that cannot be read is logged for a required test too.
-    const bool additional = isAdditionalTest(getResultsData(*test, testID));
+    const bool additional = isAdditionalTest(findResultsData(*test, testID));
     const cdm::TestLocation* const location = findLocation(*test, testID);
     if ((location && location->required ? location->required : test->required).value_or(true))
         return TestRequirement::TEST_REQUIRED;
@@ -164,6 +166,21 @@ QString JobManagerRestAPI::getTestResponse(QString jobID, long long testID)
     return response;
 }
 
+QVariantMap JobManagerRestAPI::getManualTestConfiguration(QString jobID, long long testID)
+{
+    const cdm::Test* const test = m_cache.getCdmTest(jobID, testID);
+    if (!test || !test->configurationData)
+        return QVariantMap();
+    try {
+        // Through text: the bridge between the two kinds of JSON. Anything but an object has no members.
+        const QString text = QString::fromStdString(test->configurationData->dump());
+        return QJsonDocument::fromJson(text.toUtf8()).object().toVariantMap();
+    } catch (...) {
+        qCDebug(logCategory) << "Exceptions when extracting configurationData from a json object";
+        return QVariantMap();
+    }
+}
+
 int JobManagerRestAPI::getNumberOfTestLocations(const cdm::Test& test) const
 {
     return test.testLocations ? static_cast<int>(test.testLocations->size()) : 0;
@@ -171,11 +188,17 @@ int JobManagerRestAPI::getNumberOfTestLocations(const cdm::Test& test) const
 
 std::optional<nlohmann::json> JobManagerRestAPI::getResultsData(cdm::Test& test, long long testId)
 {
-    for (const cdm::TestResults* results : resultsInOrder(test, testId)) {
+    const nlohmann::json* const data = findResultsData(test, testId);
+    return data ? std::make_optional(*data) : std::nullopt;
+}
+
+const nlohmann::json* JobManagerRestAPI::findResultsData(cdm::Test& test, long long testID) const
+{
+    for (const cdm::TestResults* results : resultsInOrder(test, testID)) {
         if (results && results->data)
-            return results->data;
+            return &*results->data;
     }
-    return std::nullopt;
+    return nullptr;
 }
 
 std::array<const cdm::TestResults*, 2> JobManagerRestAPI::resultsInOrder(cdm::Test& test, long long testID) const

@@ -53,6 +53,11 @@ private Q_SLOTS:
     void testIsFoundByItsIndexString_data();
     void testIsFoundByItsIndexString();
     void firstOfTwoTestsWithTheSameIndexIsFound();
+    void firstIsFoundAfterAnAttributeWasPatched();
+    void committedRecordIsSearchedAnew();
+    void recordFetchedAfterClearIsSearchedAnew();
+    void jobsWithTheSameIndexStringsAreToldApart();
+    void otherJobsKeepTheirTestsWhenOneIsReplaced();
     void jobWithoutTestsHasNone();
     void missingTestIsNoMessage();
     void readOfATestFetchesItsJob();
@@ -327,6 +332,64 @@ void JobManagerRestAPICacheTest::firstOfTwoTestsWithTheSameIndexIsFound()
     Cached cached;
     cached.cache.addToCache(jobOf("J", { { testOf("1"), testOf("2"), testOf("2") } }));
     QCOMPARE(cached.cache.getCdmTest(jobId, idOf(2)), &cached.cache.getCdmJob(jobId)->tests->at(1));
+}
+
+void JobManagerRestAPICacheTest::firstIsFoundAfterAnAttributeWasPatched()
+{
+    Cached cached;
+    cached.cache.addToCache(jobOf("J", { { testOf("1"), testOf("2"), testOf("2") } }));
+    QVERIFY(cached.cache.getCdmTest(jobId, idOf(2)));
+    cdm::CdmSouthboundJob* const record = cached.cache.getCdmJob(jobId);
+    record->details.contractorId = "patched";
+    record->tests->at(1).attributes.emplace().setAttribute("patched", cdm::Attribute());
+    const cdm::Test* const test = cached.cache.getCdmTest(jobId, idOf(2));
+    QCOMPARE(test, &record->tests->at(1));
+    QVERIFY(test->attributes);
+}
+
+void JobManagerRestAPICacheTest::committedRecordIsSearchedAnew()
+{
+    Cached cached;
+    cached.cache.addToCache(jobOf("J", { { testOf("1"), testOf("2") } }));
+    QVERIFY(cached.cache.getCdmTest(jobId, idOf(2)));
+    cached.cache.addToCache(jobOf("J", { { testOf("2"), testOf("3") } }));
+    QCOMPARE(cached.cache.getCdmTest(jobId, idOf(2)), &cached.cache.getCdmJob(jobId)->tests->at(0));
+    QCOMPARE(cached.cache.getCdmTest(jobId, idOf(3)), &cached.cache.getCdmJob(jobId)->tests->at(1));
+    QVERIFY(!cached.cache.getCdmTest(jobId, idOf(1)));
+}
+
+void JobManagerRestAPICacheTest::recordFetchedAfterClearIsSearchedAnew()
+{
+    Cached cached;
+    cached.cache.addToCache(jobOf("J", { { testOf("1"), testOf("2") } }));
+    QVERIFY(cached.cache.getCdmTest(jobId, idOf(2)));
+    ClientAnswers answers;
+    answers.jobs["J"] = jobOf("J", { { testOf("2") } });
+    StandInClient::setAnswers(answers);
+    cached.cache.clear();
+    QCOMPARE(cached.cache.getCdmTest(jobId, idOf(2)), &cached.cache.getCdmJob(jobId)->tests->at(0));
+    QVERIFY(!cached.cache.getCdmTest(jobId, idOf(1)));
+}
+
+void JobManagerRestAPICacheTest::jobsWithTheSameIndexStringsAreToldApart()
+{
+    Cached cached;
+    const QString other = QStringLiteral("K");
+    cached.cache.addToCache(jobOf("J", { { testOf("1"), testOf("2") } }));
+    cached.cache.addToCache(jobOf("K", { { testOf("2"), testOf("1") } }));
+    QCOMPARE(cached.cache.getCdmTest(jobId, idOf(1)), &cached.cache.getCdmJob(jobId)->tests->at(0));
+    QCOMPARE(cached.cache.getCdmTest(other, idOf(1)), &cached.cache.getCdmJob(other)->tests->at(1));
+}
+
+void JobManagerRestAPICacheTest::otherJobsKeepTheirTestsWhenOneIsReplaced()
+{
+    Cached cached;
+    cached.cache.addToCache(jobOf("J", { { testOf("1") } }));
+    cached.cache.addToCache(jobOf("K", { { testOf("1") } }));
+    QVERIFY(cached.cache.getCdmTest(jobId, idOf(1)));
+    cached.cache.addToCache(jobOf("K"));
+    QCOMPARE(cached.cache.getCdmTest(jobId, idOf(1)), &cached.cache.getCdmJob(jobId)->tests->at(0));
+    QVERIFY(!cached.cache.getCdmTest(QStringLiteral("K"), idOf(1)));
 }
 
 void JobManagerRestAPICacheTest::jobWithoutTestsHasNone()

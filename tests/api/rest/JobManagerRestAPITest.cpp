@@ -513,22 +513,9 @@ void JobManagerRestAPITest::unservedOperationsAnswerAsForAnUnknownJob()
 {
     OnStandIn api;
     const QString name = QStringLiteral("techId");
-    QVERIFY(api->getAllOptionalJobProperties(known).empty());
-    QVERIFY(!api->getOptionalJobProperty(known, name).isValid());
     QVERIFY(!api->setOptionalJobProperty(known, name, name));
-    QVERIFY(api->getAllOptionalTestProperties(known, idOf(0)).empty());
-    QVERIFY(!api->getOptionalTestProperty(known, idOf(0), name).isValid());
-    QVERIFY(!api->setOptionalTestProperty(known, idOf(0), name, name));
-    for (const PropertyDisplayInfo& info : { api->getOptionalJobPropertyDisplayInfo(known, name),
-             api->getOptionalTestPropertyDisplayInfo(known, idOf(0), name) }) {
-        QCOMPARE(info.propName, QString());
-        QCOMPARE(info.label, QString());
-        QVERIFY(info.editable);
-        QVERIFY(info.visible);
-    }
     api->prepareForLaunchTest(known, idOf(0));
     QVERIFY(api->launchTest(known, idOf(0)).isNull());
-    QVERIFY(api->getManualTestConfiguration(known, idOf(0)).isEmpty());
     QVERIFY(StandInClient::calls().empty());
 }
 
