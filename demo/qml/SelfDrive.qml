@@ -118,8 +118,13 @@ Item {
           act: () => page.tools.filterChosen(TestList.TESTFILTER_INCOMPLETE),
           until: () => page.tests.count < 400 && statusesOnScreen().every(status => status.length === 0) },
 
+        { name: "the tests at a location", picture: "tests-search",
+          act: () => { page.tools.filterChosen(TestList.TESTFILTER_ALL); page.tools.searchText = "lane 1" },
+          until: () => page.tests.count > 0 && page.tests.rowsOnScreen().every(
+                       row => row.test.location.toLowerCase().includes("lane 1")) },
+
         { name: "no test at all", picture: "tests-none",
-          act: () => { page.tools.filterChosen(TestList.TESTFILTER_ALL); page.tools.searchText = "nowhere" },
+          act: () => page.tools.searchText = "nowhere",
           until: () => page.tests.count === 0 && shows(page.tests, "noTests") },
 
         { name: "the tests by location", picture: "tests-by-location",
@@ -135,7 +140,7 @@ Item {
           until: () => page.tests.groupType === TestGroupType.DEFAULT_VIEW && shows(page.tests, "status") },
 
         { name: "a test's own page", picture: "test",
-          act: () => openTest(test => test.testType !== "manual"),
+          act: () => openTest(test => test.testType !== "manual" && test.location !== "~"),
           until: () => atRest() && page.test === seenTest && shows(page, "status") },
 
         { name: "a new result on the test's page", picture: "test-new-result",
@@ -148,7 +153,7 @@ Item {
 
         { name: "a manual test's page", picture: "manual-test",
           act: () => openTest(test => test.testType === "manual"),
-          until: () => atRest() && page.test === seenTest && shows(page, "status") },
+          until: () => atRest() && page.test === seenTest && shows(page, "prompt") },
 
         { name: "the list of tests once more",
           act: () => page.finished(),

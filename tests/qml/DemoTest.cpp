@@ -89,10 +89,10 @@ void DemoTest::drivesItselfThroughItsScreensAndLeavesAPictureOfEach()
         QStringLiteral("09-archived-job.png"), QStringLiteral("10-tests-loading.png"), QStringLiteral("11-tests.png"),
         QStringLiteral("12-tests-scrolled.png"), QStringLiteral("13-tests-new-result.png"),
         QStringLiteral("14-tests-folded.png"), QStringLiteral("15-tests-completed.png"),
-        QStringLiteral("16-tests-open.png"), QStringLiteral("17-tests-none.png"),
-        QStringLiteral("18-tests-by-location.png"), QStringLiteral("19-tests-by-type.png"),
-        QStringLiteral("20-test.png"), QStringLiteral("21-test-new-result.png"), QStringLiteral("22-manual-test.png"),
-        QStringLiteral("23-settings.png"), QStringLiteral("24-end.png") };
+        QStringLiteral("16-tests-open.png"), QStringLiteral("17-tests-search.png"), QStringLiteral("18-tests-none.png"),
+        QStringLiteral("19-tests-by-location.png"), QStringLiteral("20-tests-by-type.png"),
+        QStringLiteral("21-test.png"), QStringLiteral("22-test-new-result.png"), QStringLiteral("23-manual-test.png"),
+        QStringLiteral("24-settings.png"), QStringLiteral("25-end.png") };
     QCOMPARE(names, expected);
     for (const QString& name : names) {
         const QImage picture(folder.filePath(name));

@@ -13,6 +13,11 @@ Screen {
         return page.tests.sections.map(section => page.tests.nameOf(section.title) + ": " + section.count)
     }
 
+    /// These tests are on the screen, or soon: a change that comes during a fetch shows after it.
+    function showsTests(expected) {
+        tryVerify(() => String(shownTests()) === String(expected), aWhile, "not " + expected + " but " + shownTests())
+    }
+
     function header(sectionIndex) {
         return findChild(page.tests.placeOf(sectionIndex), "sectionHeader")
     }
@@ -46,6 +51,16 @@ Screen {
         verify(!findChild(page, "loading").visible)
     }
 
+    function test_rowShowsItsTest() {
+        openJob("WO-2026-004711")
+        const row = testRow("0_1")
+        compare(textIn(row, "name"), "OTDR")
+        compare(textIn(row, "location"), "Fibre 2")
+        compare(textIn(row, "status"), "fail")
+        compare(textIn(row, "time"), Qt.formatDateTime(new Date("2026-02-27T10:09:45+01:00"), "yyyy-MM-dd hh:mm"))
+        compare(textIn(row, "requirement"), "Required")
+    }
+
     function test_testWithoutAResultIsOpenAndHasNoTime() {
         openJob("WO-2026-004802")
         const row = page.tests.rowsOnScreen()[0]
@@ -57,6 +72,9 @@ Screen {
         return [{ tag: "job order", groupType: TestGroupType.DEFAULT_VIEW,
                   sections: ["1. OTDR: 4", "2. Optical power: 1", "3. OTDR: 2", "4. Optical power: 1",
                              "5. Manual step: 1"] },
+                { tag: "location", groupType: TestGroupType.GROUPBY_LOCATION,
+                  sections: ["Fibre 1: 1", "Fibre 2: 1", "Fibre 3: 1", "Fibre 4: 1", "Fibre 17: 1", "Fibre 18: 1",
+                             "Without a location: 3"] },
                 { tag: "test type", groupType: TestGroupType.GROUPBY_TEST_NAME,
                   sections: ["OTDR: 6", "Optical power: 2", "Manual step: 1"] }]
     }
@@ -113,6 +131,23 @@ Screen {
         verify(button.chosen)
         tryCompare(page.tests, "count", all.filter(data.matches).length, aWhile)
         verify(page.tests.rowsOnScreen().every(row => data.matches(row.status)))
+    }
+
+    function test_searchGoesByLocationAsOneTypes() {
+        openJob("WO-2026-004711")
+        type("fibre 1")
+        showsTests(["0_0", "2_0", "2_1"])
+        keyClick("7")
+        showsTests(["2_0"])
+        mouseClick(findChild(page, "clearSearch"))
+        tryCompare(page.tests, "count", 9, aWhile)
+    }
+
+    function test_searchedTextIsNoPattern() {
+        openJob("WO-2026-004790")
+        type("(entry)")
+        tryCompare(page.tests, "count", 1, aWhile)
+        compare(textIn(page.tests.rowsOnScreen()[0], "location"), "지하 1층 인입구 (entry)")
     }
 
     function test_searchThatFindsNothingSaysSo() {
@@ -183,6 +218,16 @@ Screen {
         compare(topOnScreen(testRow(seen)), place)
     }
 
+    function test_filterAndSearchHoldOverAnUpdate() {
+        openJob("WO-2026-004711")
+        type("fibre 1")
+        mouseClick(findChild(page, "filter" + TestList.TESTFILTER_INCOMPLETE))
+        showsTests(["2_0", "2_1"])
+        service.setResult("WO-2026-004711", "2_0", "pass")
+        tryVerify(() => page.tests.count === 1, oneSecond)
+        showsTests(["2_1"])
+    }
+
     function test_listStaysOnTheScreenWhileItIsFetchedAnew() {
         openJob("WO-2026-004711")
         const shown = shownTests()
@@ -193,6 +238,13 @@ Screen {
         verify(!findChild(page, "loading").visible)
         tryVerify(() => page.feed.readable, aWhile)
         compare(shownTests(), shown)
+    }
+
+    function test_searchDuringAFetchIsDoneAfterIt() {
+        openJob("WO-2026-004711")
+        JobManager.updateDataFromAPI(true)
+        type("fibre 17")
+        showsTests(["2_0"])
     }
 
     function test_regroupingElsewhereShowsOnThePage() {

@@ -10,6 +10,19 @@ Screen {
         return textIn(findChild(page, key), "value")
     }
 
+    function test_pageShowsTheTest() {
+        openJob("WO-2026-004711")
+        tapTest("0_1")
+        compare(textIn(page.header, "title"), "OTDR")
+        compare(textIn(page.header, "subtitle"), "Fibre 2")
+        compare(textIn(page, "status"), "fail")
+        compare(textIn(page, "requirement"), "Required")
+        compare(textIn(page, "time"), Qt.formatDateTime(new Date("2026-02-27T10:09:45+01:00"), "yyyy-MM-dd hh:mm"))
+        compare(field("description"), "Bidirectional trace of fibres 1 to 4 between the two terminations. "
+                + "Launch and receive cords of 500 m each.")
+        compare(field("site"), "Main building, rack 12")
+    }
+
     function test_configurationHasItsLines() {
         openJob("WO-2026-004602")
         tapTest("1")
@@ -27,6 +40,15 @@ Screen {
         openJob("WO-2026-004400")
         tapTest("2")
         verify(!findChild(page, "guide").visible)
+    }
+
+    function test_manualTestShowsItsPromptAndItsAnswer() {
+        openJob("WO-2026-004602")
+        tapTest("3")
+        verify(findChild(page, "manualPrompt").visible)
+        compare(textIn(page, "prompt"), "Which splitter was installed?")
+        compare(field("answerKind"), "One of: none, 2-way, 3-way balanced, 3-way unbalanced")
+        compare(field("answer"), "2-way")
     }
 
     function test_otherTestHasNoPrompt() {
