@@ -95,7 +95,12 @@ public:
         QString jobID, long long testID, const QString& propName, const QVariant& value) override;
 
     bool setManualTestResult(QString jobID, long long testID, const QString& text1, const QString& text2) override;
+    /// Launches the test or location by its index string alone, which the service looks up in its current job. Empty
+    /// without a call, and a warning, if the last prepareForLaunchTest found no test, or there was none. The prepared
+    /// test stays for the next launch.
     QString launchTest(QString jobID, long long testID) override;
+    /// Keeps a copy of the test for launchTest, so that the worker thread reads no cache. The two take no lock: the
+    /// caller is done with this one before it starts the other. Blocks if the job is not in the cache.
     void prepareForLaunchTest(QString jobID, long long testID) override;
 
     QString exportJobData(QString jobID, QString usbRootFolder) override;
@@ -166,6 +171,8 @@ private:
     JobManagerRestAPICache m_cache;
     QHash<QString, AttributeExtractor<cdm::CdmSouthboundJob>> m_jobAttributeExtractors;
     QHash<QString, AttributeExtractor<TestAndLocation>> m_testAttributeExtractors;
+    /// Set or emptied by prepareForLaunchTest alone.
+    std::optional<cdm::Test> m_testToLaunch;
     /// Guards the pending store, which is the next two fields, and nothing else.
     std::mutex m_fetchMutex;
     std::optional<std::vector<RestApiJobManager::MinimalJobInfo>> m_fetchedJobList;

@@ -10,13 +10,4 @@ bool JobManagerRestAPI::setOptionalJobProperty(
     return false;
 }
 
-QString JobManagerRestAPI::launchTest(QString /*jobID*/, long long /*testID*/)
-{
-    return QString();
-}
-
-void JobManagerRestAPI::prepareForLaunchTest(QString /*jobID*/, long long /*testID*/)
-{
-}
-
 } // namespace jobmanager_ui
