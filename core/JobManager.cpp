@@ -68,10 +68,13 @@ void JobManager::initializeJobManagerWorker()
     m_worker->moveToThread(&m_workerThread);
     connect(&m_workerThread, &QThread::finished, m_worker, &QObject::deleteLater);
     connect(this, &JobManager::launchTestSignal, m_worker, &JobManagerWorker::onLaunchTest);
+    connect(m_worker, &JobManagerWorker::testLaunchFinished, this, &JobManager::onTestLaunchFinished);
     connect(this, &JobManager::syncWithNimbrelSignal, m_worker, &JobManagerWorker::onSyncWithNimbrel);
+    connect(m_worker, &JobManagerWorker::syncFinished, this, &JobManager::onSyncFinished);
     connect(this, &JobManager::fetchJobList, m_worker, &JobManagerWorker::onFetchJobList);
     connect(m_worker, &JobManagerWorker::fetchJobListFinished, this, &JobManager::onFetchJobListFinished);
     connect(this, &JobManager::setCurrentJobOnBackgroundThread, m_worker, &JobManagerWorker::onSetCurrentJob);
+    connect(m_worker, &JobManagerWorker::setCurrentJobFinished, this, &JobManager::onSetCurrentJobFinished);
     connect(this, &JobManager::exportJobDataOnBackgroundThread, m_worker, &JobManagerWorker::onExportJobData);
     connect(this, &JobManager::importJobsOnBackgroundThread, m_worker, &JobManagerWorker::onImportJobs);
     connect(this, &JobManager::exchangeJobOnBackgroundThread, m_worker, &JobManagerWorker::onExchangeJob);
@@ -357,17 +360,6 @@ void JobManager::resetCurrentJobPointer()
     m_currentJob.reset();
     const QModelIndex changed = index(row, 0);
     Q_EMIT dataChanged(changed, changed, { FilterRole });
-}
-
-void JobManager::announceNewJob()
-{
-    if (m_newJobID.isEmpty()) {
-        return;
-    }
-    if (Job* const job = getJob(m_newJobID)) {
-        Q_EMIT newJobCreated(job);
-    }
-    m_newJobID.clear();
 }
 
 void JobManager::sortTestlistForAllJobs()

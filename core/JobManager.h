@@ -10,7 +10,9 @@
 #include <QHash>
 #include <QSortFilterProxyModel>
 #include <QString>
+#include <QStringList>
 #include <QThread>
+#include <QVariant>
 #include <vector>
 
 class QTranslator;
@@ -76,6 +78,38 @@ public:
     /// once and from the cache if the job list is still in it. While a fetch of the list runs, a full update only
     /// clears the cache and a partial one does nothing.
     Q_INVOKABLE void updateDataFromAPI(bool fullUpdate = true);
+    /// Id of the technician who is logged in. Blocks for as long as the data interface does.
+    Q_INVOKABLE QString getTechID();
+    /// Asks the service to make the job current, also if it is already. False for null, else true: the request is on
+    /// its way to the worker. settingCurrentJob rises and falls again when the request has ended; by then currentJob
+    /// is up to date if nothing else has changed at the service. A refusal changes nothing and is not reported.
+    Q_INVOKABLE bool setCurrentJob(Job* job);
+    /// Asks the service to have no current job, in the way of setCurrentJob. Always true.
+    Q_INVOKABLE bool unsetCurrentJob();
+    /// Launches the test on the worker: emits testAboutToLaunch, raises isTestLaunching, has the data interface
+    /// prepare the launch, and sends it. When it has an outcome, the test's errorMessage tells why it was refused, or
+    /// is empty, and isTestLaunching falls. Does nothing for null or while another launch is under way.
+    Q_INVOKABLE void launchTest(Test* test);
+    /// Asks for a sync with the cloud service: isSyncInProgress rises, and falls when one has ended. A second call
+    /// waits for its turn on the worker.
+    Q_INVOKABLE void syncWithNimbrel();
+    /// Deletes the job at the service; false for null or if the service refuses. The row goes, and the object with
+    /// it, in the update that follows. Blocks for as long as the data interface does.
+    Q_INVOKABLE bool deleteJob(Job* job);
+    /// Creates a job with this work order number as its id, from a template and with the locations in a file, each
+    /// empty for none, and makes it current. True if both were done; newJobCreated goes out once the job has a row.
+    /// False for an empty number or one in use, and if the service refuses: if only to make it current, the job is
+    /// there. Blocks for as long as the data interface does.
+    Q_INVOKABLE bool createNewJob(QString WorkOrderNo, QString TechID, QString templateName = QString(),
+        QString locationsFilename = QString(), bool syncJobToNimbrel = true);
+    /// The names of the job templates. Blocks for as long as the data interface does, as the next two do.
+    Q_INVOKABLE QStringList fetchJobTemplates();
+    /// The label of the work order number that the template prescribes.
+    Q_INVOKABLE QString getWorkOrderLabelFromTemplate(const QString& typeName);
+    /// How many tests the template prescribes.
+    Q_INVOKABLE int getTemplateNumberOfTests(const QString& typeName);
+    /// Whether there is a job with this id, as of the last update. False for a value that is no text.
+    Q_INVOKABLE bool doesJobExist(QVariant jobID);
     /// Stores a setting of the front end at the service.
     Q_INVOKABLE void writeSetting(QString settings_id, QString settings_value);
     /// Reads the settings anew and takes over the group type stored there, the default one if there is none.
@@ -145,6 +179,13 @@ public:
     int getJobIndex(const Job& job) const;
     /// Whether `job` has the id of the current job. False for null.
     bool isCurrentJob(Job* job) const;
+    /// Makes the job current, the empty id none, on this thread. False for a value that is no text and for the job
+    /// that is current, else true, also if the service refuses.
+    bool setCurrentJobByID(QVariant jobID);
+    /// Stores the flag and emits isTestLaunchingChanged, both only on a real change.
+    void setIsTestLaunching(bool isTestLaunching);
+    /// Stores the flag and emits isSyncInProgressChanged, both only on a real change.
+    void setIsSyncInProgress(bool isSyncInProgress);
     /// Starts an update if the change count has moved, and tells whether it had. The update is partial only if
     /// that is allowed and the count has moved by exactly one, up or down.
     bool checkChangeCount(bool allowPartialUpdate);
@@ -192,9 +233,17 @@ Q_SIGNALS:
     void newJobCreated(Job* job);
 
 public Q_SLOTS:
+    /// The end of a launch: shows on the test, if it is still there, what `status` says, then lowers isTestLaunching,
+    /// and keeps the next poll from telling of the change that the launch was.
+    void onTestLaunchFinished(QVariant jobID, QVariant testID, QString status);
+    /// The end of a sync: lowers isSyncInProgress, also if another one waits.
+    void onSyncFinished();
     /// Takes over what was fetched, rebuilds the rows, and only then lowers fetchingJobList: always, and with its
     /// signal, so that a fetch which a receiver has started inside a rebuild from the cache goes on without the flag.
     void onFetchJobListFinished();
+    /// The end of a change of the current job: takes over what the service has changed, then lowers
+    /// settingCurrentJob, also if another request waits.
+    void onSetCurrentJobFinished();
 
 private Q_SLOTS:
     void queryChangeCountSlot();
@@ -214,6 +263,9 @@ private:
     void resetCurrentJobPointer();
     void announceNewJob();
     void sortTestlistForAllJobs();
+    void requestCurrentJob(const QString& jobID);
+    void announceLaunch(Test* test);
+    void reportLaunch(const QString& jobID, long long testID, const QString& status);
 
     std::shared_ptr<JobManagerAPIAbstraction> m_api;
     QThread m_workerThread;
@@ -247,6 +299,8 @@ private:
     /// A rebuild is running, and another was asked for meanwhile.
     bool m_rebuilding = false;
     bool m_rebuildAgain = false;
+    /// The receivers of testAboutToLaunch are being told.
+    bool m_announcingLaunch = false;
 };
 
 } // namespace jobmanager_ui

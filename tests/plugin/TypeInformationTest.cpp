@@ -184,7 +184,10 @@ private Q_SLOTS:
             "setCurrentJobOnBackgroundThread exportJobDataOnBackgroundThread importJobsOnBackgroundThread "
             "exchangeJobOnBackgroundThread jobManagerUpdated testAboutToLaunch newJobCreated");
         row("JobManager", "method",
-            "onFetchJobListFinished initialize updateDataFromAPI updateDataFromAPI writeSetting updateSettingsFromDb");
+            "onTestLaunchFinished onSyncFinished onFetchJobListFinished onSetCurrentJobFinished initialize "
+            "updateDataFromAPI updateDataFromAPI getTechID setCurrentJob unsetCurrentJob launchTest syncWithNimbrel "
+            "deleteJob createNewJob createNewJob createNewJob createNewJob fetchJobTemplates "
+            "getWorkOrderLabelFromTemplate getTemplateNumberOfTests doesJobExist writeSetting updateSettingsFromDb");
         row("JobManager", "enum", "");
     }
 
