@@ -1,16 +1,12 @@
-#include "models/Test.h"
-#include "tests/support/MessageCollector.h"
+#include "tests/models/TestObjectFixture.h"
 #include "tests/support/MetaObjectText.h"
-#include "tests/support/RecordingApi.h"
+#include "tests/support/QmlObject.h"
 #include "tests/support/SignalRecorder.h"
 
-#include <functional>
 #include <limits>
 #include <QFile>
 #include <QPointer>
-#include <QQmlComponent>
 #include <QQmlContext>
-#include <QQmlEngine>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -19,45 +15,6 @@ using namespace jobmanager_ui;
 
 namespace {
 
-const QString jobID = QStringLiteral("WO-1");
-constexpr long long testID = 0x0000000700000002;
-
-QDateTime firstTime()
-{
-    return QDateTime(QDate(2024, 5, 1), QTime(10, 0), Qt::UTC);
-}
-
-/// A call about the test as the journal has it.
-QString testCall(const QString& operation, const QString& furtherArguments = {})
-{
-    return QStringLiteral("call %1(\"WO-1\", 30064771074%2)").arg(operation, furtherArguments);
-}
-
-/// Everything that taking the snapshot calls, in order.
-QStringList snapshotReads()
-{
-    return { QStringLiteral("call getTestIndex(30064771074)"), QStringLiteral("call getTestLocationIndex(30064771074)"),
-        testCall(QStringLiteral("getTestType")), testCall(QStringLiteral("getTestTime")),
-        testCall(QStringLiteral("getTestTypeDisplayName")), testCall(QStringLiteral("getTestRequired")),
-        testCall(QStringLiteral("getTestLocationsNumber")),
-        testCall(QStringLiteral("getOptionalTestProperty"), QStringLiteral(", \"location\"")) };
-}
-
-/// Everything that an update emits, in order.
-QStringList updateSignals()
-{
-    QStringList expected;
-    const char* const names[] = { "testIndexChanged", "locationIndexChanged", "testTypeChanged",
-        "testTypeDisplayNameChanged", "descriptionChanged", "siteChanged", "testStatusChanged", "testTimeChanged",
-        "testRequiredChanged", "optionalPropertiesChanged", "errorMessageChanged", "errorSeverityChanged",
-        "configurationChanged", "guideFilepathChanged", "hasGuideChanged", "locationChanged",
-        "numberOfTestLocationsChanged", "manualStepUserResponseChanged", "testConfigurationMapChanged" };
-    for (const char* name : names) {
-        expected.append(QStringLiteral("emit %1()").arg(QLatin1String(name)));
-    }
-    return expected;
-}
-
 void writeFile(const QString& path)
 {
     QFile file(path);
@@ -65,52 +22,20 @@ void writeFile(const QString& path)
     file.write("guide");
 }
 
-using Write = std::function<void(Test&)>;
-
 } // namespace
 
-Q_DECLARE_METATYPE(Write)
-
-class TestObjectTest : public QObject
+/// What a test of a job gives, and what it writes.
+class TestObjectTest : public TestObjectFixture
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init()
-    {
-        m_journal.take();
-        m_messages = std::make_unique<MessageCollector>();
-        m_api = std::make_shared<RecordingApi>(m_journal);
-        answer("getTestIndex", 7);
-        answer("getTestLocationIndex", 2);
-        answer("getTestType", QStringLiteral("fiber"));
-        answer("getTestTypeDisplayName", QStringLiteral("Faser-Prüfung"));
-        answer("getTestTime", firstTime());
-        answer("getTestRequired", static_cast<int>(TestRequirement::TEST_ADDED));
-        answer("getTestLocationsNumber", 4);
-        answer("getOptionalTestProperty", QStringLiteral("Rack 5"));
-        answer("getTestDescription", QStringLiteral("Check the line"));
-        answer("getTestSite", QStringLiteral("Basement"));
-        answer("getTestStatus", QStringLiteral("pass"));
-        answer("getTestConfiguration", QStringList{ QStringLiteral("1310 nm"), QStringLiteral("1550 nm") });
-        answer("getTestGuideFile", QStringLiteral("/guides/fiber.pdf"));
-        answer("getTestResponse", QStringLiteral("yes"));
-        answer("getManualTestConfiguration", QVariantMap{ { QStringLiteral("prompt"), QStringLiteral("Clean?") } });
-        answer("setManualTestResult", true);
-    }
-
-    /// The class logs nothing, whatever happens.
-    void cleanup()
-    {
-        const QStringList messages = m_messages->take();
-        m_api.reset();
-        m_messages.reset();
-        QCOMPARE(messages, QStringList());
-    }
+    void init() { setUp(); }
+    void cleanup() { tearDown(); }
 
     void constructorTakesTheSnapshotInOrder()
     {
-        const Test test(m_api, jobID, testID);
+        const Test test(m_api, m_jobID, m_testID);
         QCOMPARE(m_journal.take(), snapshotReads());
     }
 
@@ -132,7 +57,7 @@ private Q_SLOTS:
     void snapshotIsReadWithoutTheInterface()
     {
         QFETCH(QVariant, value);
-        const Test test(m_api, jobID, testID);
+        const Test test(m_api, m_jobID, m_testID);
         m_journal.take();
         const QVariant read = test.property(QTest::currentDataTag());
         QVERIFY(read.isValid());
@@ -167,7 +92,7 @@ private Q_SLOTS:
         QFETCH(QString, operation);
         QFETCH(QVariant, value);
         QFETCH(QVariant, newValue);
-        const Test test(m_api, jobID, testID);
+        const Test test(m_api, m_jobID, m_testID);
         m_journal.take();
         QCOMPARE(test.property(QTest::currentDataTag()), value);
         m_api->setAnswer(operation, newValue);
@@ -177,10 +102,10 @@ private Q_SLOTS:
 
     void idsAreThereForTheLaunch()
     {
-        const Test test(m_api, jobID, testID);
+        const Test test(m_api, m_jobID, m_testID);
         m_journal.take();
-        QCOMPARE(test.concreteTypeJobID(), jobID);
-        QCOMPARE(test.concreteTypeTestID(), testID);
+        QCOMPARE(test.concreteTypeJobID(), m_jobID);
+        QCOMPARE(test.concreteTypeTestID(), m_testID);
         QCOMPARE(m_journal.take(), QStringList());
     }
 
@@ -196,7 +121,7 @@ private Q_SLOTS:
     void anyIdIsPassedOnUntouched()
     {
         QFETCH(long long, id);
-        const Test test(m_api, jobID, id);
+        const Test test(m_api, m_jobID, id);
         QCOMPARE(test.concreteTypeTestID(), id);
         QVERIFY(m_journal.contains(QStringLiteral("call getTestType(\"WO-1\", %1)").arg(id)));
     }
@@ -252,235 +177,44 @@ slot setErrorSeverity(int))"));
 
     void requirementIsItsNumberForQml()
     {
-        Test test(m_api, jobID, testID);
-        QQmlEngine engine;
-        engine.rootContext()->setContextProperty(QStringLiteral("test"), &test);
-        QQmlComponent component(&engine);
-        component.setData("import QtQml 2.15\nQtObject { property bool same: test.testRequired === 3 }", QUrl());
-        const std::unique_ptr<QObject> root(component.create());
-        QVERIFY2(root != nullptr, qPrintable(component.errorString()));
-        QCOMPARE(root->property("same"), QVariant(true));
+        Test test(m_api, m_jobID, m_testID);
+        const std::unique_ptr<QObject> object =
+            objectAbout(test, "QtObject { property bool same: test.testRequired === 3 }");
+        QCOMPARE(object->property("same"), QVariant(true));
     }
 
     void bindingsOfAskedPropertiesFollowAnUpdate()
     {
-        Test test(m_api, jobID, testID);
-        QQmlEngine engine;
-        engine.rootContext()->setContextProperty(QStringLiteral("test"), &test);
-        QQmlComponent component(&engine);
-        component.setData("import QtQml 2.15\nQtObject { property string shown: test.testStatus + test.site }", QUrl());
-        const std::unique_ptr<QObject> root(component.create());
-        QVERIFY2(root != nullptr, qPrintable(component.errorString()));
-        QCOMPARE(root->property("shown").toString(), QStringLiteral("passBasement"));
+        Test test(m_api, m_jobID, m_testID);
+        const std::unique_ptr<QObject> object =
+            objectAbout(test, "QtObject { property string shown: test.testStatus + test.site }");
+        QCOMPARE(object->property("shown").toString(), QStringLiteral("passBasement"));
         answer("getTestStatus", QStringLiteral("fail"));
         test.updateDataFromAPI();
-        QCOMPARE(root->property("shown").toString(), QStringLiteral("failBasement"));
+        QCOMPARE(object->property("shown").toString(), QStringLiteral("failBasement"));
     }
 
     void testBelongsToCppWithoutAParent()
     {
-        Test test(m_api, jobID, testID);
+        Test test(m_api, m_jobID, m_testID);
         QCOMPARE(test.parent(), nullptr);
         QCOMPARE(QQmlEngine::objectOwnership(&test), QQmlEngine::CppOwnership);
     }
 
     void testOutlivesTheCollectorOfJavaScript()
     {
-        const auto test = std::make_shared<Test>(m_api, jobID, testID);
+        const auto test = std::make_shared<Test>(m_api, m_jobID, m_testID);
         const QPointer<Test> watched = test.get();
-        QQmlEngine engine;
         // The way of an object that nobody has marked: wrapped without a parent, let go of, collected.
         const QPointer<QObject> unmarked = new QObject;
         for (QObject* object : { static_cast<QObject*>(test.get()), unmarked.data() }) {
-            QJSValue wrapped = engine.newQObject(object);
+            QJSValue wrapped = m_engine.newQObject(object);
             wrapped = QJSValue();
         }
-        engine.collectGarbage();
+        m_engine.collectGarbage();
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
         QVERIFY(unmarked.isNull());
         QVERIFY(!watched.isNull());
-    }
-
-    // Updates.
-
-    void updateReadsFirstAndThenEmitsAllSignalsInOrder()
-    {
-        Test test(m_api, jobID, testID);
-        const SignalRecorder recorder(test, m_journal);
-        m_journal.take();
-        test.updateDataFromAPI();
-        QCOMPARE(m_journal.take(), snapshotReads() + updateSignals());
-    }
-
-    void updateTakesOverNewValues()
-    {
-        Test test(m_api, jobID, testID);
-        answer("getTestIndex", 8);
-        answer("getTestLocationIndex", -1);
-        answer("getTestType", QStringLiteral("copper"));
-        answer("getTestTypeDisplayName", QStringLiteral("Copper"));
-        answer("getTestRequired", static_cast<int>(TestRequirement::TEST_OPTIONAL));
-        answer("getTestLocationsNumber", 1);
-        answer("getOptionalTestProperty", QStringLiteral("Rack 6"));
-        answer("getTestTime", firstTime().addSecs(1));
-        QCOMPARE(test.testType(), QStringLiteral("fiber"));
-        test.updateDataFromAPI();
-        QCOMPARE(test.testIndex(), 8);
-        QCOMPARE(test.locationIndex(), -1);
-        QCOMPARE(test.testType(), QStringLiteral("copper"));
-        QCOMPARE(test.testTypeDisplayName(), QStringLiteral("Copper"));
-        QCOMPARE(test.testRequired(), TestRequirement::TEST_OPTIONAL);
-        QCOMPARE(test.numberOfTestLocations(), 1);
-        QCOMPARE(test.location(), QStringLiteral("Rack 6"));
-        QCOMPARE(test.testTime(), firstTime().addSecs(1));
-    }
-
-    void receiversSeeTheNewValuesFromTheFirstSignalOn()
-    {
-        Test test(m_api, jobID, testID);
-        test.setErrorMessage(QStringLiteral("Failed"));
-        answer("getTestTime", firstTime().addSecs(1));
-        answer("getOptionalTestProperty", QString());
-        QStringList seen;
-        connect(&test, &Test::testIndexChanged, this, [&] {
-            seen = QStringList{ test.errorMessage(), test.location() };
-        });
-        test.updateDataFromAPI();
-        QCOMPARE(seen, (QStringList{ QString(), QStringLiteral("~") }));
-    }
-
-    void unknownTestTakesWhatTheInterfaceAnswers()
-    {
-        m_api = std::make_shared<RecordingApi>(m_journal);
-        m_api->setAnswer(QStringLiteral("getTestRequired"), static_cast<int>(TestRequirement::TEST_REQUIRED));
-        m_api->setAnswer(QStringLiteral("getTestLocationsNumber"), -1);
-        const Test test(m_api, QStringLiteral("?"), -1);
-        QCOMPARE(test.testType(), QString());
-        QCOMPARE(test.testTime(), QDateTime());
-        QCOMPARE(test.testRequired(), TestRequirement::TEST_REQUIRED);
-        QCOMPARE(test.numberOfTestLocations(), -1);
-        QCOMPARE(test.location(), QStringLiteral("~"));
-        QCOMPARE(test.description(), QString());
-        QCOMPARE(test.configuration(), QStringList());
-        QCOMPARE(test.hasGuide(), false);
-        QCOMPARE(test.testConfigurationMap(), QVariantMap());
-    }
-
-    void locationIsATildeWithoutOne_data()
-    {
-        QTest::addColumn<QVariant>("value");
-        QTest::addColumn<QString>("location");
-        QTest::newRow("missing") << QVariant() << QStringLiteral("~");
-        QTest::newRow("empty") << QVariant(QString()) << QStringLiteral("~");
-        QTest::newRow("no text") << QVariant(QStringList()) << QStringLiteral("~");
-        QTest::newRow("blank") << QVariant(QStringLiteral(" ")) << QStringLiteral(" ");
-        QTest::newRow("number") << QVariant(12) << QStringLiteral("12");
-        QTest::newRow("tilde") << QVariant(QStringLiteral("~")) << QStringLiteral("~");
-        QTest::newRow("text") << QVariant(QStringLiteral("Büro 3")) << QStringLiteral("Büro 3");
-    }
-
-    void locationIsATildeWithoutOne()
-    {
-        QFETCH(QVariant, value);
-        QFETCH(QString, location);
-        answer("getOptionalTestProperty", value);
-        const Test test(m_api, jobID, testID);
-        QCOMPARE(test.location(), location);
-    }
-
-    // The error of the last launch.
-
-    void errorOutlivesAnUpdateWithTheSameTime_data()
-    {
-        QTest::addColumn<QDateTime>("time");
-        QTest::newRow("a time") << firstTime();
-        QTest::newRow("no time") << QDateTime();
-    }
-
-    void errorOutlivesAnUpdateWithTheSameTime()
-    {
-        QFETCH(QDateTime, time);
-        answer("getTestTime", time);
-        Test test(m_api, jobID, testID);
-        test.setErrorMessage(QStringLiteral("Failed"));
-        test.setErrorSeverity(2);
-        const SignalRecorder recorder(test, m_journal);
-        test.updateDataFromAPI();
-        m_journal.take();
-        test.updateDataFromAPI();
-        QCOMPARE(test.errorMessage(), QStringLiteral("Failed"));
-        QCOMPARE(test.errorSeverity(), 2);
-        const QStringList entries = m_journal.take();
-        QCOMPARE(entries.count(QStringLiteral("emit errorMessageChanged()")), 1);
-        QCOMPARE(entries.count(QStringLiteral("emit errorSeverityChanged()")), 1);
-    }
-
-    void errorEndsWithANewTime_data()
-    {
-        QTest::addColumn<QDateTime>("before");
-        QTest::addColumn<QDateTime>("after");
-        const QDateTime epoch = QDateTime::fromMSecsSinceEpoch(0, Qt::UTC);
-        QTest::newRow("later") << firstTime() << firstTime().addMSecs(1);
-        QTest::newRow("earlier") << firstTime() << firstTime().addSecs(-1);
-        QTest::newRow("from none") << QDateTime() << firstTime();
-        QTest::newRow("to none") << firstTime() << QDateTime();
-        QTest::newRow("from none to the epoch") << QDateTime() << epoch;
-        QTest::newRow("from the epoch to none") << epoch << QDateTime();
-    }
-
-    void errorEndsWithANewTime()
-    {
-        QFETCH(QDateTime, before);
-        QFETCH(QDateTime, after);
-        answer("getTestTime", before);
-        Test test(m_api, jobID, testID);
-        test.setErrorMessage(QStringLiteral("Failed"));
-        test.setErrorSeverity(2);
-        answer("getTestTime", after);
-        const SignalRecorder recorder(test, m_journal);
-        m_journal.take();
-        test.updateDataFromAPI();
-        QCOMPARE(test.errorMessage(), QString());
-        QCOMPARE(test.errorSeverity(), 0);
-        QCOMPARE(m_journal.take(), snapshotReads() + updateSignals());
-    }
-
-    void sameMomentInAnotherTimeZoneKeepsTheError()
-    {
-        Test test(m_api, jobID, testID);
-        test.setErrorMessage(QStringLiteral("Failed"));
-        answer("getTestTime", firstTime().toOffsetFromUtc(7200));
-        test.updateDataFromAPI();
-        QCOMPARE(test.errorMessage(), QStringLiteral("Failed"));
-    }
-
-    void newErrorIsStoredAndSignalled_data() { addErrorWrites(); }
-
-    void newErrorIsStoredAndSignalled()
-    {
-        QFETCH(Write, write);
-        QFETCH(QByteArray, property);
-        QFETCH(QVariant, value);
-        Test test(m_api, jobID, testID);
-        const SignalRecorder recorder(test, m_journal);
-        m_journal.take();
-        write(test);
-        QCOMPARE(test.property(property), value);
-        QCOMPARE(
-            m_journal.take(), QStringList{ QStringLiteral("emit %1Changed()").arg(QString::fromLatin1(property)) });
-    }
-
-    void sameErrorDoesNothing_data() { addErrorWrites(); }
-
-    void sameErrorDoesNothing()
-    {
-        QFETCH(Write, write);
-        Test test(m_api, jobID, testID);
-        write(test);
-        const SignalRecorder recorder(test, m_journal);
-        m_journal.take();
-        write(test);
-        QCOMPARE(m_journal.take(), QStringList());
     }
 
     // Manual steps.
@@ -496,7 +230,7 @@ slot setErrorSeverity(int))"));
     void newAnswerIsRecordedAndSignalled()
     {
         QFETCH(QString, response);
-        Test test(m_api, jobID, testID);
+        Test test(m_api, m_jobID, m_testID);
         const SignalRecorder recorder(test, m_journal);
         m_journal.take();
         QVERIFY(test.setProperty("manualStepUserResponse", response));
@@ -506,19 +240,28 @@ slot setErrorSeverity(int))"));
                 QStringLiteral("emit manualStepUserResponseChanged()") }));
     }
 
+    void recordedAnswerIsNotWrittenAgain_data()
+    {
+        QTest::addColumn<QString>("response");
+        QTest::newRow("text") << QStringLiteral("yes");
+        QTest::newRow("empty") << QStringLiteral("");
+    }
+
     void recordedAnswerIsNotWrittenAgain()
     {
-        Test test(m_api, jobID, testID);
+        QFETCH(QString, response);
+        answer("getTestResponse", response);
+        Test test(m_api, m_jobID, m_testID);
         const SignalRecorder recorder(test, m_journal);
         m_journal.take();
-        test.setManualStepUserResponse(QStringLiteral("yes"));
+        test.setManualStepUserResponse(response);
         QCOMPARE(m_journal.take(), QStringList{ testCall(QStringLiteral("getTestResponse")) });
     }
 
     void refusedAnswerIsSilent()
     {
         answer("setManualTestResult", false);
-        Test test(m_api, jobID, testID);
+        Test test(m_api, m_jobID, m_testID);
         const SignalRecorder recorder(test, m_journal);
         m_journal.take();
         test.setManualStepUserResponse(QStringLiteral("no"));
@@ -544,7 +287,7 @@ slot setErrorSeverity(int))"));
         QFETCH(QString, type);
         QFETCH(bool, asks);
         answer("getTestType", type);
-        const Test test(m_api, jobID, testID);
+        const Test test(m_api, m_jobID, m_testID);
         m_journal.take();
         const QVariantMap prompt{ { QStringLiteral("prompt"), QStringLiteral("Clean?") } };
         QCOMPARE(test.property("testConfigurationMap").toMap(), asks ? prompt : QVariantMap());
@@ -574,7 +317,7 @@ slot setErrorSeverity(int))"));
         QFile::link(QStringLiteral("guide.pdf"), m_folder.filePath(QStringLiteral("link.pdf")));
         QFile::link(QStringLiteral("missing.pdf"), m_folder.filePath(QStringLiteral("broken.pdf")));
         answer("getTestGuideFile", path);
-        const Test test(m_api, jobID, testID);
+        const Test test(m_api, m_jobID, m_testID);
         m_journal.take();
         QCOMPARE(test.property("hasGuide"), QVariant(hasGuide));
         QCOMPARE(test.checkIfGuideFileExists(), hasGuide);
@@ -586,7 +329,7 @@ slot setErrorSeverity(int))"));
     {
         const QString path = m_folder.filePath(QStringLiteral("passing.pdf"));
         answer("getTestGuideFile", path);
-        const Test test(m_api, jobID, testID);
+        const Test test(m_api, m_jobID, m_testID);
         QCOMPARE(test.hasGuide(), false);
         writeFile(path);
         QCOMPARE(test.hasGuide(), true);
@@ -595,34 +338,15 @@ slot setErrorSeverity(int))"));
     }
 
 private:
-    void answer(const char* operation, const QVariant& value)
+    /// The object that the QML text makes; it may speak of `test`.
+    std::unique_ptr<QObject> objectAbout(Test& test, const QByteArray& text)
     {
-        m_api->setAnswer(QString::fromLatin1(operation), value);
+        m_engine.rootContext()->setContextProperty(QStringLiteral("test"), &test);
+        return qmlObject(m_engine, text);
     }
 
-    /// Every way to set one of the two error fields.
-    void addErrorWrites()
-    {
-        const QByteArray message = "errorMessage";
-        const QByteArray severity = "errorSeverity";
-        const QVariant text(QStringLiteral("Failed"));
-        QTest::addColumn<Write>("write");
-        QTest::addColumn<QByteArray>("property");
-        QTest::addColumn<QVariant>("value");
-        QTest::newRow("message by its property")
-            << Write([=](Test& test) { test.setProperty("errorMessage", text); }) << message << text;
-        QTest::newRow("message by its slot") << Write([=](Test& test) {
-            QMetaObject::invokeMethod(&test, "setErrorMessage", Q_ARG(QString, text.toString()));
-        }) << message << text;
-        QTest::newRow("severity by its slot")
-            << Write([](Test& test) { QMetaObject::invokeMethod(&test, "setErrorSeverity", Q_ARG(int, 2)); })
-            << severity << QVariant(2);
-    }
-
-    Journal m_journal;
+    QQmlEngine m_engine;
     QTemporaryDir m_folder;
-    std::unique_ptr<MessageCollector> m_messages;
-    std::shared_ptr<RecordingApi> m_api;
 };
 
 QTEST_GUILESS_MAIN(TestObjectTest)
