@@ -1,5 +1,6 @@
 #include "core/JobManager.h"
 #include "core/JobManagerWorker.h"
+#include "tests/core/ManagerFixture.h"
 #include "tests/support/FlatView.h"
 #include "tests/support/MessageCollector.h"
 #include "tests/support/MetaObjectText.h"
@@ -18,15 +19,6 @@ using namespace jobmanager_test;
 using namespace jobmanager_ui;
 
 namespace {
-
-QStringList ids(const QAbstractItemModel& model)
-{
-    QStringList result;
-    for (int row = 0; row < model.rowCount(); ++row) {
-        result.append(model.index(row, 0).data(JobManager::JobIDRole).toString());
-    }
-    return result;
-}
 
 JobSummary modified(const QString& modifiedOn, bool archived = false)
 {
@@ -232,7 +224,7 @@ method updateSettingsFromDb())"));
         const QSignalSpy changed(m_manager.get(), &JobManager::dataChanged);
         QCOMPARE(m_manager->setData(m_manager->index(0, 0), QStringLiteral("B"), JobManager::JobIDRole), false);
         QCOMPARE(m_manager->setData(QModelIndex(), QStringLiteral("B")), false);
-        QCOMPARE(ids(*m_manager), QStringList{ QStringLiteral("A") });
+        QCOMPARE(rowIDs(*m_manager), QStringList{ QStringLiteral("A") });
         QCOMPARE(changed.count(), 0);
     }
 
@@ -456,10 +448,10 @@ method updateSettingsFromDb())"));
         m_api->setJob(QStringLiteral("current"), modified(QStringLiteral("2025-01-01")));
         m_api->setCurrentID(QStringLiteral("current"));
         m_manager->initialize();
-        QCOMPARE(ids(*m_manager->requiredJobs()),
+        QCOMPARE(rowIDs(*m_manager->requiredJobs()),
             (QStringList{
                 QStringLiteral("nine"), QStringLiteral("new"), QStringLiteral("old"), QStringLiteral("none") }));
-        QCOMPARE(ids(*m_manager->archivedJobs()), (QStringList{ QStringLiteral("done2"), QStringLiteral("done") }));
+        QCOMPARE(rowIDs(*m_manager->archivedJobs()), (QStringList{ QStringLiteral("done2"), QStringLiteral("done") }));
     }
 
     void jobThatIsArchivedAndCurrentIsInNeitherView()
@@ -478,11 +470,11 @@ method updateSettingsFromDb())"));
         m_api->keepJobListCached();
         m_api->setJob(QStringLiteral("A"));
         m_manager->initialize();
-        QCOMPARE(ids(*m_manager->requiredJobs()), QStringList{ QStringLiteral("A") });
+        QCOMPARE(rowIDs(*m_manager->requiredJobs()), QStringList{ QStringLiteral("A") });
         m_api->setJob(QStringLiteral("A"), modified(QString(), true));
         m_manager->updateDataFromAPI(false);
-        QCOMPARE(ids(*m_manager->requiredJobs()), QStringList());
-        QCOMPARE(ids(*m_manager->archivedJobs()), QStringList{ QStringLiteral("A") });
+        QCOMPARE(rowIDs(*m_manager->requiredJobs()), QStringList());
+        QCOMPARE(rowIDs(*m_manager->archivedJobs()), QStringList{ QStringLiteral("A") });
     }
 
     // The port.

@@ -1,45 +1,24 @@
-#include "core/JobManager.h"
+#include "tests/core/ManagerFixture.h"
 #include "tests/models/ScriptedTests.h"
-#include "tests/support/MessageCollector.h"
-#include "tests/support/SignalRecorder.h"
 
-#include <memory>
-#include <QTimer>
 #include <QtTest>
 #include <utility>
 
 using namespace jobmanager_test;
 using namespace jobmanager_ui;
 
-namespace {
-
-const QString idA = QStringLiteral("A");
-const QString idB = QStringLiteral("B");
-const QString idC = QStringLiteral("C");
-
-} // namespace
-
-/// What the manager does for the tests of its jobs. Calls, signals and messages go into one journal. The manager is
-/// not initialized unless a test does it: the jobs then have no worker.
-class TestsOfJobsTest : public QObject
+/// What the manager does for the tests of its jobs.
+class TestsOfJobsTest : public ManagerFixture
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init()
-    {
-        m_journal.take();
-        m_messages = std::make_unique<MessageCollector>(m_journal);
-        m_api = std::make_shared<RecordingApi>(m_journal);
-        m_manager = std::make_unique<JobManager>(m_api);
-    }
+    void init() { setUp(); }
 
     void cleanup()
     {
         QCOMPARE(m_journal.take().filter(QStringLiteral("warning: ")), QStringList());
-        m_manager.reset();
-        m_api.reset();
-        m_messages.reset();
+        tearDown();
     }
 
     void jobsHaveNoWorkerBeforeThereIsOne()
@@ -155,36 +134,6 @@ private Q_SLOTS:
         QCOMPARE(rebuilt, true);
         QCOMPARE(ids(), QStringList{ idC });
     }
-
-private:
-    void rebuild(const std::vector<QString>& jobIDs)
-    {
-        m_api->setJobIDs(jobIDs);
-        m_manager->doUpdateDataFromAPI();
-    }
-
-    QStringList ids() const
-    {
-        QStringList result;
-        for (int row = 0; row < m_manager->rowCount(); ++row) {
-            result.append(m_manager->index(row, 0).data(JobManager::JobIDRole).toString());
-        }
-        return result;
-    }
-
-    /// The worker runs and has fetched the list; the test polls itself.
-    void initialize()
-    {
-        m_manager->initialize();
-        m_manager->findChild<QTimer*>()->stop();
-        QTRY_VERIFY(!m_manager->fetchingJobList());
-        m_journal.take();
-    }
-
-    Journal m_journal;
-    std::unique_ptr<MessageCollector> m_messages;
-    std::shared_ptr<RecordingApi> m_api;
-    std::unique_ptr<JobManager> m_manager;
 };
 
 QTEST_GUILESS_MAIN(TestsOfJobsTest)
