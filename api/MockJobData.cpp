@@ -170,7 +170,7 @@ MockJobInfo emptyJob(int number)
 {
     MockJobInfo job;
     job.optionalProperties = jobProperties(QStringLiteral("OtherJobProperty3"), number, QStringLiteral("a"));
-    job.optionalProperties.insert(QStringLiteral("customer"), QStringLiteral(""));
+    job.optionalProperties.insert(QStringLiteral("customer"), QLatin1String(""));
     return job;
 }
 

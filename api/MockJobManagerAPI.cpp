@@ -209,7 +209,7 @@ bool MockJobManagerAPI::createJob(QString WorkOrderNo, QString TechID, QString /
     job.jobNumber = WorkOrderNo;
     job.techID = TechID;
     job.optionalProperties = {
-        { QStringLiteral("customer"), QStringLiteral("") },
+        { QStringLiteral("customer"), QLatin1String("") },
         { otherJobProperty(), QStringLiteral("OtherJobProperty1") },
         { numberJobProperty(), 0.0 },
         { onlyLetters(), QStringLiteral("abc") },

@@ -120,7 +120,7 @@ QString JobManagerRestAPI::getJobModifiedOn(QString jobID)
 {
     const MinimalJobInfo* const info = m_cache.getMinimalJobInfo(jobID);
     // Unlike its neighbours this one is never null: it is a sort key.
-    return info ? QString::fromStdString(info->modifiedOn) : QStringLiteral("");
+    return QString::fromStdString(info ? info->modifiedOn : std::string());
 }
 
 bool JobManagerRestAPI::setIsJobArchived(QString jobID, bool archived)

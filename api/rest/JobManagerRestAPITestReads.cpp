@@ -221,7 +221,7 @@ QString JobManagerRestAPI::testText(const QString& jobID, long long testID, std:
     if (!test)
         return QString();
     // Null is for an unknown test alone.
-    return test->*text ? QString::fromStdString(*(test->*text)) : QStringLiteral("");
+    return QString::fromStdString((test->*text).value_or(std::string()));
 }
 
 } // namespace jobmanager_ui
