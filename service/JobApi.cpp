@@ -1,79 +1,16 @@
 #include "service/JobApi.h"
 
-#include "api/cdm/JsonText.h"
 #include "service/ApiError.h"
+#include "service/ApiSupport.h"
 #include "service/JobDocument.h"
-#include "service/Log.h"
 #include "service/ServiceVersion.h"
-#include "service/SqliteError.h"
 #include "service/UtcTime.h"
-
-#include <algorithm>
-#include <sqlite3.h>
 
 namespace job_service {
 
 namespace {
 
-constexpr std::size_t smallBody = 64 * 1024;
-/// Result data can hold a curve or a picture.
-constexpr std::size_t partOfJob = 1024 * 1024;
 constexpr std::size_t longestSettingId = 256;
-
-HttpResponse json(int status, const nlohmann::json& value)
-{
-    return { status, cdm::dumpJson(value), {} };
-}
-
-HttpResponse noContent()
-{
-    return { 204, {}, {} };
-}
-
-[[noreturn]] void refuseRequest(const std::string& message)
-{
-    throw ApiError(400, "invalid_request", message);
-}
-
-[[noreturn]] void refuseUnknownJob()
-{
-    throw ApiError(404, "job_not_found", "There is no job with this id.");
-}
-
-void checkFound(JobStore::Change change)
-{
-    if (change == JobStore::Change::NoSuchJob)
-        refuseUnknownJob();
-}
-
-const nlohmann::json* memberOf(const nlohmann::json& body, const std::string& name)
-{
-    if (!body.is_object())
-        refuseRequest("The body has to be an object.");
-    const auto member = body.find(name);
-    return member == body.end() ? nullptr : &*member;
-}
-
-std::string requiredString(const nlohmann::json& body, const std::string& name)
-{
-    const nlohmann::json* member = memberOf(body, name);
-    if (!member || !member->is_string())
-        refuseRequest("The member " + name + " has to be a string.");
-    return member->get<std::string>();
-}
-
-std::string optionalString(const nlohmann::json& body, const std::string& name)
-{
-    return memberOf(body, name) ? requiredString(body, name) : std::string();
-}
-
-bool optionalBool(const nlohmann::json& body, const std::string& name)
-{
-    const nlohmann::json* member = memberOf(body, name);
-    if (member && !member->is_boolean())
-        refuseRequest("The member " + name + " has to be a boolean.");
-    return member && member->get<bool>();
-}
 
 const char* nameOf(StoreState::Kind kind)
 {
@@ -88,50 +25,12 @@ const char* nameOf(StoreState::Kind kind)
     return "damaged";
 }
 
-JsonTree& testIn(JsonTree& document, const std::string& uiIndex)
-{
-    JsonTree* test = findTest(document, uiIndex);
-    if (!test)
-        throw ApiError(404, "test_not_found", "The job has no test or location with this index.");
-    return *test;
-}
-
 /// Null would pass for attributes that are missing.
 JsonTree attributesFrom(const RouteRequest& request)
 {
     if (!request.json.is_object())
         refuseRequest("Attributes have to be an object.");
     return JsonTree::fromText(request.text);
-}
-
-ApiError storeFailure(const SqliteError& error)
-{
-    logLine(std::string("the store failed: ") + error.what());
-    if (error.code() == SQLITE_FULL)
-        return { 507, "storage_full", "There is no room left to store this." };
-    if (error.isDamage())
-        return { 503, "store_damaged", "The store of the service is damaged." };
-    return { 503, "store_unavailable", "The store of the service does not answer; try again." };
-}
-
-/// The path leads through the whole document, of which the peer has sent a part: the last member tells enough.
-std::string refusalOf(const cdm::DocumentError& error)
-{
-    if (error.path.empty())
-        return error.message;
-    return "Member " + error.path.substr(error.path.rfind('/') + 1) + ": " + error.message;
-}
-
-/// Runs a handler over the store and tells its failures in the terms of the interface.
-template <typename Handler> HttpResponse overStore(Handler handler)
-{
-    try {
-        return handler();
-    } catch (const SqliteError& error) {
-        throw storeFailure(error);
-    } catch (const DocumentRefused& refused) {
-        throw ApiError(400, "invalid_document", refusalOf(refused.error()));
-    }
 }
 
 } // namespace
@@ -143,41 +42,32 @@ JobApi::JobApi(JobStore& store, std::string techId) : m_store(store), m_techId(s
 std::vector<Route> JobApi::routes()
 {
     using Request = const RouteRequest&;
-    std::vector<Route> routes;
-    const auto add = [&](const char* method, const std::string& path, auto handler) -> Route& {
-        routes.push_back({ method, "/api/v1" + path,
-            [handler](Request request) { return overStore([&] { return handler(request); }); } });
-        return routes.back();
-    };
-    const auto addWrite = [&](const char* method, const std::string& path, std::size_t maximumBody, auto handler) {
-        Route& route = add(method, path, handler);
-        route.needsJson = true;
-        route.maximumBody = maximumBody;
-    };
+    RouteTable table;
 
-    add("GET", "/change-count", [this](Request) { return changeCount(); }).answersAtOnce = true;
-    add("GET", "/status", [this](Request) { return status(); }).answersAtOnce = true;
-    add("GET", "/login-config", [this](Request) { return loginConfig(); }).answersAtOnce = true;
+    table.add("GET", "/change-count", [this](Request) { return changeCount(); }).answersAtOnce = true;
+    table.add("GET", "/status", [this](Request) { return status(); }).answersAtOnce = true;
+    table.add("GET", "/login-config", [this](Request) { return loginConfig(); }).answersAtOnce = true;
 
-    add("GET", "/jobs", [this](Request) { return jobs(); });
-    addWrite("POST", "/jobs", smallBody, [this](Request request) { return createJob(request); });
-    add("GET", "/jobs/{id}", [this](Request request) { return job(request); });
-    add("DELETE", "/jobs/{id}", [this](Request request) { return deleteJob(request); });
-    add("POST", "/jobs/{id}/archive", [this](Request request) { return setArchived(request, true); });
-    add("POST", "/jobs/{id}/restore", [this](Request request) { return setArchived(request, false); });
-    addWrite("PUT", "/jobs/{id}/attributes", partOfJob, [this](Request request) { return putJobAttributes(request); });
-    addWrite("PUT", "/jobs/{id}/tests/{uiIndex}/attributes", partOfJob,
+    table.add("GET", "/jobs", [this](Request) { return jobs(); });
+    table.addWrite("POST", "/jobs", smallBody, [this](Request request) { return createJob(request); });
+    table.add("GET", "/jobs/{id}", [this](Request request) { return job(request); });
+    table.add("DELETE", "/jobs/{id}", [this](Request request) { return deleteJob(request); });
+    table.add("POST", "/jobs/{id}/archive", [this](Request request) { return setArchived(request, true); });
+    table.add("POST", "/jobs/{id}/restore", [this](Request request) { return setArchived(request, false); });
+    table.addWrite(
+        "PUT", "/jobs/{id}/attributes", partOfJob, [this](Request request) { return putJobAttributes(request); });
+    table.addWrite("PUT", "/jobs/{id}/tests/{uiIndex}/attributes", partOfJob,
         [this](Request request) { return putTestAttributes(request); });
-    addWrite("PUT", "/jobs/{id}/tests/{uiIndex}/results", partOfJob,
+    table.addWrite("PUT", "/jobs/{id}/tests/{uiIndex}/results", partOfJob,
         [this](Request request) { return putTestResults(request); });
 
-    add("GET", "/active-job", [this](Request) { return activeJob(); });
-    addWrite("PUT", "/active-job", smallBody, [this](Request request) { return putActiveJob(request); });
-    add("GET", "/settings", [this](Request) { return settings(); });
-    addWrite("PUT", "/settings/{name}", smallBody, [this](Request request) { return putSetting(request); });
-    add("GET", "/ui-group-type", [this](Request) { return groupType(); });
-    addWrite("PUT", "/ui-group-type", smallBody, [this](Request request) { return putGroupType(request); });
-    return routes;
+    table.add("GET", "/active-job", [this](Request) { return activeJob(); });
+    table.addWrite("PUT", "/active-job", smallBody, [this](Request request) { return putActiveJob(request); });
+    table.add("GET", "/settings", [this](Request) { return settings(); });
+    table.addWrite("PUT", "/settings/{name}", smallBody, [this](Request request) { return putSetting(request); });
+    table.add("GET", "/ui-group-type", [this](Request) { return groupType(); });
+    table.addWrite("PUT", "/ui-group-type", smallBody, [this](Request request) { return putGroupType(request); });
+    return table.routes();
 }
 
 HttpResponse JobApi::changeCount() const
@@ -188,14 +78,14 @@ HttpResponse JobApi::changeCount() const
 HttpResponse JobApi::status() const
 {
     const StoreState state = m_store.state();
-    return json(200,
+    return jsonResponse(200,
         { { "service", "job-service" }, { "version", serviceVersion }, { "store", nameOf(state.kind) },
             { "since", state.since } });
 }
 
 HttpResponse JobApi::loginConfig() const
 {
-    return json(200, { { "techId", m_techId }, { "opaqueText1", "" }, { "opaqueText2", "" } });
+    return jsonResponse(200, { { "techId", m_techId }, { "opaqueText1", "" }, { "opaqueText2", "" } });
 }
 
 HttpResponse JobApi::jobs() const
@@ -227,7 +117,7 @@ HttpResponse JobApi::createJob(const RouteRequest& request)
         throw ApiError(404, "template_not_found", "There is no template with this name.");
     if (!m_store.createJob(jobFromTemplate(job, *document, utcNow())))
         throw ApiError(409, "job_exists", "There is already a job with this id.");
-    return json(201, { { "id", job.id } });
+    return jsonResponse(201, { { "id", job.id } });
 }
 
 HttpResponse JobApi::deleteJob(const RouteRequest& request)
@@ -272,7 +162,7 @@ HttpResponse JobApi::putTestResults(const RouteRequest& request)
 
 HttpResponse JobApi::activeJob() const
 {
-    return json(200, { { "id", m_store.activeJob() } });
+    return jsonResponse(200, { { "id", m_store.activeJob() } });
 }
 
 HttpResponse JobApi::putActiveJob(const RouteRequest& request)
@@ -283,7 +173,7 @@ HttpResponse JobApi::putActiveJob(const RouteRequest& request)
 
 HttpResponse JobApi::settings() const
 {
-    return json(200, { { "settings", m_store.settings() } });
+    return jsonResponse(200, { { "settings", m_store.settings() } });
 }
 
 HttpResponse JobApi::putSetting(const RouteRequest& request)
@@ -297,7 +187,7 @@ HttpResponse JobApi::putSetting(const RouteRequest& request)
 
 HttpResponse JobApi::groupType() const
 {
-    return json(200, { { "groupType", m_store.groupType() } });
+    return jsonResponse(200, { { "groupType", m_store.groupType() } });
 }
 
 HttpResponse JobApi::putGroupType(const RouteRequest& request)
