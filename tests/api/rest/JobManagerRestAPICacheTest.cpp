@@ -4,6 +4,9 @@
 #include "tests/api/rest/StandInClient.h"
 #include "tests/support/MessageCollector.h"
 
+#include <algorithm>
+#include <ctime>
+#include <limits>
 #include <QtTest>
 
 using namespace jobmanager_test;
@@ -56,6 +59,7 @@ private Q_SLOTS:
     void firstIsFoundAfterAnAttributeWasPatched();
     void committedRecordIsSearchedAnew();
     void recordFetchedAfterClearIsSearchedAnew();
+    void lookupInAManyTimesLongerListTakesNoLonger();
     void jobsWithTheSameIndexStringsAreToldApart();
     void otherJobsKeepTheirTestsWhenOneIsReplaced();
     void jobWithoutTestsHasNone();
@@ -85,6 +89,25 @@ struct Cached
     RestApiJobManager client{ "host", 1 };
     JobManagerRestAPICache cache{ client };
 };
+
+/// Nanoseconds of processor time that a lookup takes among that many tests: the least of several rounds.
+double lookupTime(int tests)
+{
+    std::vector<cdm::Test> records;
+    for (int test = 0; test < tests; ++test)
+        records.push_back(testOf(std::to_string(test)));
+    Cached cached;
+    cached.cache.addToCache(jobOf("J", records));
+    constexpr int lookups = 10000;
+    std::clock_t least = std::numeric_limits<std::clock_t>::max();
+    for (int round = 0; round < 5; ++round) {
+        const std::clock_t start = std::clock();
+        for (int lookup = 0; lookup < lookups; ++lookup)
+            cached.cache.getCdmTest(jobId, idOf(lookup % tests));
+        least = std::min(least, std::clock() - start);
+    }
+    return 1e9 * static_cast<double>(std::max<std::clock_t>(least, 1)) / CLOCKS_PER_SEC / lookups;
+}
 
 void JobManagerRestAPICacheTest::freshCacheHoldsNothing()
 {
@@ -369,6 +392,14 @@ void JobManagerRestAPICacheTest::recordFetchedAfterClearIsSearchedAnew()
     cached.cache.clear();
     QCOMPARE(cached.cache.getCdmTest(jobId, idOf(2)), &cached.cache.getCdmJob(jobId)->tests->at(0));
     QVERIFY(!cached.cache.getCdmTest(jobId, idOf(1)));
+}
+
+void JobManagerRestAPICacheTest::lookupInAManyTimesLongerListTakesNoLonger()
+{
+    const double few = lookupTime(100);
+    const double many = lookupTime(10000);
+    // A search through the list would take a hundred times as long. Misses of the processor's caches are allowed for.
+    QVERIFY2(many < 15 * few, qPrintable(QStringLiteral("%1 ns, then %2 ns").arg(few).arg(many)));
 }
 
 void JobManagerRestAPICacheTest::jobsWithTheSameIndexStringsAreToldApart()

@@ -98,6 +98,8 @@ private Q_SLOTS:
     void editableAsTheAttributeSays();
     void orderAndPatternAreCopied();
     void missingAttributeHasANamedDisplayInfo();
+    void displayInfoOfAnUnknownJobIsThatOfAnEmptyOne_data();
+    void displayInfoOfAnUnknownJobIsThatOfAnEmptyOne();
 };
 
 void JobPropertiesTest::jobWithContractorAloneListsItAndTheTechnician()
@@ -356,6 +358,33 @@ void JobPropertiesTest::missingAttributeHasANamedDisplayInfo()
     QCOMPARE(info.propName, someProperty);
     QCOMPARE(info.label, QString());
     QVERIFY(!info.editable);
+}
+
+void JobPropertiesTest::displayInfoOfAnUnknownJobIsThatOfAnEmptyOne_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QString>("propName");
+    QTest::addColumn<bool>("editable");
+    QTest::newRow("attribute") << someProperty << someProperty << false;
+    QTest::newRow("technician") << QStringLiteral("techId") << QStringLiteral("techId") << false;
+    QTest::newRow("contractor") << QStringLiteral("contractorId") << QStringLiteral("contractorId") << false;
+    QTest::newRow("unknown extractor") << QStringLiteral("unknown") << QString() << true;
+    QTest::newRow("empty") << QString() << QString() << true;
+}
+
+void JobPropertiesTest::displayInfoOfAnUnknownJobIsThatOfAnEmptyOne()
+{
+    QFETCH(QString, name);
+    OnStandIn api;
+    for (int read = 0; read < 2; ++read) {
+        const PropertyDisplayInfo info = api->getOptionalJobPropertyDisplayInfo(job, name);
+        QTEST(info.propName, "propName");
+        QTEST(info.editable, "editable");
+        QCOMPARE(info.label, QString());
+        QVERIFY(info.visible);
+        QCOMPARE(info.type, PropertyType::STRING);
+    }
+    QCOMPARE(StandInClient::operations(), std::vector<std::string>{ "getJob" });
 }
 
 QTEST_GUILESS_MAIN(JobPropertiesTest)

@@ -48,12 +48,16 @@ private Q_SLOTS:
     void attributesOfTheLocationAreNotTheTests();
     void structuredContentIsNotListed();
     void unknownTestHasNoProperties();
+    void unknownTestHasADefaultDisplayInfo_data();
+    void unknownTestHasADefaultDisplayInfo();
 
     void locationIsReadByName();
     void locationOfAnIdWithoutOneIsAnEmptyText_data();
     void locationOfAnIdWithoutOneIsAnEmptyText();
     void locationGoesBeforeTheTest_data();
     void locationGoesBeforeTheTest();
+    void emptyAttributeOfTheLocationGivesWayToWhatTheTestHas_data();
+    void emptyAttributeOfTheLocationGivesWayToWhatTheTestHas();
     void missingAttributeIsAnEmptyText();
     void structuredContentIsReadAsADefaultAttribute_data();
     void structuredContentIsReadAsADefaultAttribute();
@@ -61,6 +65,7 @@ private Q_SLOTS:
     void readAtTheTestThatThrowsIsWarnedOf();
     void nameThatNoExtractorServesHasNoValue_data();
     void nameThatNoExtractorServesHasNoValue();
+    void nameIsSplitAtTheFirstSlash_data();
     void nameIsSplitAtTheFirstSlash();
     void propertiesCannotBeWritten();
 
@@ -111,7 +116,27 @@ void TestPropertiesTest::unknownTestHasNoProperties()
     QVERIFY(api->getAllOptionalTestProperties(job, idOf(1, 0)).empty());
     QVERIFY(!api->getOptionalTestProperty(job, idOf(1, 0), someProperty).isValid());
     QVERIFY(!api->getTestAttribute(job, idOf(1, 0), someProperty));
-    QCOMPARE(api->getOptionalTestPropertyDisplayInfo(job, idOf(1, 0), someProperty).propName, QString());
+}
+
+void TestPropertiesTest::unknownTestHasADefaultDisplayInfo_data()
+{
+    QTest::addColumn<QString>("jobId");
+    QTest::addColumn<qlonglong>("test");
+    QTest::newRow("of a known job") << job << idOf(1, 0);
+    QTest::newRow("of an unknown job") << QStringLiteral("no job") << idOf(0, 0);
+}
+
+void TestPropertiesTest::unknownTestHasADefaultDisplayInfo()
+{
+    QFETCH(QString, jobId);
+    QFETCH(qlonglong, test);
+    WithTest api(testWithAttributes({ { "name", attributeJson("Label", "value") } }, {}));
+    for (const QString& name : { someProperty, locationProperty }) {
+        const PropertyDisplayInfo info = api->getOptionalTestPropertyDisplayInfo(jobId, test, name);
+        QCOMPARE(info.propName, QString());
+        QCOMPARE(info.label, QString());
+        QVERIFY(info.editable);
+    }
 }
 
 void TestPropertiesTest::locationIsReadByName()
@@ -161,6 +186,26 @@ void TestPropertiesTest::locationGoesBeforeTheTest()
     WithTest api(testWithAttributes({ { "name", attributeJson("T", "of the test") } }, ofLocation));
     QTEST(api->getOptionalTestProperty(job, idOf(0, 0), someProperty).toString(), "expected");
     QCOMPARE(api->getOptionalTestProperty(job, idOf(0), someProperty).toString(), QStringLiteral("of the test"));
+}
+
+void TestPropertiesTest::emptyAttributeOfTheLocationGivesWayToWhatTheTestHas_data()
+{
+    QTest::addColumn<bool>("testHasAttributes");
+    QTest::newRow("other attributes: a default one") << true;
+    QTest::newRow("no attributes: the location's own") << false;
+}
+
+void TestPropertiesTest::emptyAttributeOfTheLocationGivesWayToWhatTheTestHas()
+{
+    QFETCH(bool, testHasAttributes);
+    nlohmann::json ofLocation = attributeJson("", "");
+    ofLocation["editable"] = true;
+    cdm::Test test = testWithAttributes({}, { { "name", ofLocation } });
+    if (!testHasAttributes)
+        test.attributes.reset();
+    const std::optional<cdm::Attribute> attribute = WithTest(test)->getTestAttribute(job, idOf(0, 0), someProperty);
+    QVERIFY(attribute);
+    QCOMPARE(attribute->editable, std::optional<bool>(!testHasAttributes));
 }
 
 void TestPropertiesTest::missingAttributeIsAnEmptyText()
@@ -231,12 +276,24 @@ void TestPropertiesTest::nameThatNoExtractorServesHasNoValue()
     QVERIFY(!api->getTestAttribute(job, idOf(0, 0), name));
 }
 
+void TestPropertiesTest::nameIsSplitAtTheFirstSlash_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QString>("value");
+    QTest::newRow("two slashes") << QStringLiteral("attributes/a/b") << QStringLiteral("of a/b");
+    QTest::newRow("empty attribute name") << QStringLiteral("attributes/") << QStringLiteral("of the empty name");
+    QTest::newRow("the extractor's own name") << QStringLiteral("attributes") << QStringLiteral("of attributes");
+    QTest::newRow("location, name ignored") << QStringLiteral("location/any") << QStringLiteral("Cabinet 7");
+}
+
 void TestPropertiesTest::nameIsSplitAtTheFirstSlash()
 {
-    WithTest api(
-        testWithAttributes({ { "a/b", attributeJson("", "of a/b") }, { "a", attributeJson("", "of a") } }, {}));
-    QCOMPARE(api->getOptionalTestProperty(job, idOf(0), QStringLiteral("attributes/a/b")),
-        QVariant(QStringLiteral("of a/b")));
+    QFETCH(QString, name);
+    WithTest api(testWithAttributes(
+        { { "a/b", attributeJson("", "of a/b") }, { "a", attributeJson("", "of a") },
+            { "", attributeJson("", "of the empty name") }, { "attributes", attributeJson("", "of attributes") } },
+        {}));
+    QTEST(api->getOptionalTestProperty(job, idOf(0, 0), name).toString(), "value");
 }
 
 void TestPropertiesTest::propertiesCannotBeWritten()
