@@ -59,6 +59,7 @@ public:
     PropertyDisplayInfo getOptionalJobPropertyDisplayInfo(QString jobID, const QString& propName) override;
     /// A text, empty for what the job does not have; invalid for a name that no job can have.
     QVariant getOptionalJobProperty(QString jobID, const QString& propName) override;
+    /// Always true. Blocks until the service has taken or refused the value; the next read tells which.
     bool setOptionalJobProperty(QString jobID, const QString& propName, const QVariant& value) override;
     QStringList getTeamTechIds(QString jobID) override;
 
@@ -141,7 +142,10 @@ public:
     /// The attribute of that property name ("techId", "attributes/name"); a default one if the job does not have it.
     /// Nothing for an empty name and one that no extractor serves.
     std::optional<cdm::Attribute> getJobAttribute(const QString& jobID, const QString& name);
-    /// The same of a test and its location ("location", "attributes/name"); nothing for an unknown test, too.
+    /// Writes the value as text to the service, and to the cached record only if the service agrees. True if there is
+    /// a record, whatever became of the write: a refused one, an empty name, one that no extractor serves.
+    bool setJobAttribute(QString jobID, const QString& name, const QVariant& value);
+    /// As getJobAttribute, of a test and its location ("location", "attributes/name"); nothing for an unknown test, too.
     std::optional<cdm::Attribute> getTestAttribute(const QString& jobID, long long testID, const QString& name);
 
     /// How many locations the test has.

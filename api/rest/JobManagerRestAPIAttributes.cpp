@@ -1,11 +1,9 @@
-// The optional properties of jobs and tests: who serves which name, and their reads.
+// The optional properties of jobs and tests: who serves which name, their reads, and the writes of a job's.
 
-#include "api/Logging.h"
 #include "api/rest/JobManagerRestAPI.h"
+#include "api/rest/TestAttributes.h"
 
 #include <algorithm>
-#include <QDebug>
-#include <set>
 
 namespace jobmanager_ui {
 
@@ -40,48 +38,34 @@ cdm::Attribute jobAttribute(const cdm::CdmSouthboundJob& job, const QString& nam
     return attributes ? attributes->getAttribute(name.toStdString()) : cdm::Attribute();
 }
 
-void addNames(const std::optional<cdm::Attributes>& attributes, std::set<QString>& names)
-{
-    if (!attributes)
-        return;
-    for (const auto& [name, content] : attributes->values)
-        names.insert(QString::fromStdString(name));
-}
-
-Names namesOfTestAttributes(const cdm::Test& test, const cdm::TestLocation* location)
-{
-    std::set<QString> names;
-    if (location)
-        addNames(location->attributes, names);
-    addNames(test.attributes, names);
-    // Structured content beside the properties, not properties.
-    names.erase(QStringLiteral("subTypeInfo"));
-    names.erase(QStringLiteral("referenceInfo"));
-    return Names(names.begin(), names.end());
-}
-
-/// The location's attribute goes first; the test fills in for a location that does not have it.
-cdm::Attribute testAttribute(const cdm::Test& test, const cdm::TestLocation* location, const QString& name)
+/// Writes to the service, and to the job that is cached only if the service agrees.
+void writeFreeAttribute(
+    RestApiJobManager& client, cdm::CdmSouthboundJob& job, const QString& name, const QString& value)
 {
     const std::string key = name.toStdString();
-    cdm::Attribute attribute;
-    if (location && location->attributes) {
-        try {
-            attribute = location->attributes->getAttribute(key);
-        } catch (...) {
-            qCWarning(logCategory) << "This fails because referenceInfo is an object...";
-        }
-        if (!attribute.label.empty())
-            return attribute;
-    }
-    if (attribute.value.empty() && test.attributes) {
-        try {
-            attribute = test.attributes->getAttribute(key);
-        } catch (...) {
-            qCWarning(logCategory) << "Could not get test attribute" << name;
-        }
-    }
-    return attribute;
+    const std::string text = value.toStdString();
+    const nlohmann::json update = { { "jobManagerAttributes", { { key, { { "value", text } } } } } };
+    if (!client.updateWorkflowAttributes(job.details.id, update) || !job.details.attributes)
+        return;
+    cdm::Attribute attribute = job.details.attributes->getAttribute(key);
+    attribute.value = text;
+    job.details.attributes->setAttribute(key, attribute);
+}
+
+/// The same of the technician. A job that has none gets none: only its next record tells.
+void writeTechId(RestApiJobManager& client, cdm::CdmSouthboundJob& job, const QString& value)
+{
+    const nlohmann::json update = { { "techInfo", { { "techId", value.toStdString() } } } };
+    if (client.updateWorkflowAttributes(job.details.id, update) && job.details.techInfo)
+        job.details.techInfo->techId = value.toStdString();
+}
+
+/// The same of the contractor, also of a job that had none.
+void writeContractorId(RestApiJobManager& client, cdm::CdmSouthboundJob& job, const QString& value)
+{
+    const nlohmann::json update = { { "contractorId", value.toStdString() } };
+    if (client.updateWorkflowAttributes(job.details.id, update))
+        job.details.contractorId = value.toStdString();
 }
 
 /// The property names of all attributes that the record has, sorted.
@@ -101,19 +85,31 @@ template <typename T> Names propertyNames(const QHash<QString, AttributeExtracto
     return properties;
 }
 
+/// Who serves that property name; null if it is empty or nobody does.
+template <typename T>
+const AttributeExtractor<T>* extractorOf(
+    const QHash<QString, AttributeExtractor<T>>& extractors, const QString& property)
+{
+    if (property.isEmpty())
+        return nullptr;
+    // Without a slash the whole name is the extractor's.
+    const auto extractor = extractors.constFind(property.left(property.indexOf(QLatin1Char('/'))));
+    return extractor == extractors.constEnd() ? nullptr : &extractor.value();
+}
+
+/// What its extractor knows the property by: what stands behind the first slash, or the whole name without one.
+QString attributeNameOf(const QString& property)
+{
+    return property.mid(property.indexOf(QLatin1Char('/')) + 1);
+}
+
 /// The attribute of that property name; nothing if the name is empty or no extractor serves it.
 template <typename T>
 std::optional<cdm::Attribute> readProperty(
     const QHash<QString, AttributeExtractor<T>>& extractors, const T& record, const QString& property)
 {
-    if (property.isEmpty())
-        return std::nullopt;
-    // Without a slash both parts are the whole name.
-    const int slash = property.indexOf(QLatin1Char('/'));
-    const auto extractor = extractors.constFind(property.left(slash));
-    if (extractor == extractors.constEnd())
-        return std::nullopt;
-    return extractor->m_getAttribute(record, property.mid(slash + 1));
+    const AttributeExtractor<T>* const extractor = extractorOf(extractors, property);
+    return extractor ? std::make_optional(extractor->m_getAttribute(record, attributeNameOf(property))) : std::nullopt;
 }
 
 QVariant valueOf(const std::optional<cdm::Attribute>& attribute)
@@ -160,7 +156,11 @@ void JobManagerRestAPI::createJobAttributeExtractors()
 {
     using Job = cdm::CdmSouthboundJob;
     using Extractor = AttributeExtractor<Job>;
-    add(m_jobAttributeExtractors, Extractor(freeAttributes, namesOfJobAttributes, jobAttribute, nullptr));
+    add(m_jobAttributeExtractors,
+        Extractor(freeAttributes, namesOfJobAttributes, jobAttribute,
+            [this](Job& job, const QString& name, const QString& value) {
+                writeFreeAttribute(m_client, job, name, value);
+            }));
     add(m_jobAttributeExtractors,
         Extractor(
             QStringLiteral("techId"),
@@ -168,7 +168,7 @@ void JobManagerRestAPI::createJobAttributeExtractors()
                 const std::optional<cdm::TechInfo>& tech = job.details.techInfo;
                 return attributeOfField(tech ? tech->techId : std::string(), false);
             },
-            nullptr));
+            [this](Job& job, const QString& value) { writeTechId(m_client, job, value); }));
     add(m_jobAttributeExtractors,
         Extractor(
             QStringLiteral("contractorId"),
@@ -176,7 +176,7 @@ void JobManagerRestAPI::createJobAttributeExtractors()
                 const std::optional<std::string>& contractor = job.details.contractorId;
                 return contractor ? std::make_optional(attributeOfField(*contractor, true)) : std::nullopt;
             },
-            nullptr));
+            [this](Job& job, const QString& value) { writeContractorId(m_client, job, value); }));
 }
 
 void JobManagerRestAPI::createTestAttributeExtractors()
@@ -189,7 +189,9 @@ void JobManagerRestAPI::createTestAttributeExtractors()
             [](const TestAndLocation& record, const QString& name) {
                 return testAttribute(*record.first, record.second, name);
             },
-            nullptr));
+            [](TestAndLocation& record, const QString& name, const QString& value) {
+                setTestAttribute(*record.first, record.second, name, value);
+            }));
     add(m_testAttributeExtractors,
         Extractor(
             QStringLiteral("location"),
@@ -197,7 +199,7 @@ void JobManagerRestAPI::createTestAttributeExtractors()
                 const cdm::TestLocation* const location = record.second;
                 return location ? std::make_optional(attributeOfField(location->location, false)) : std::nullopt;
             },
-            nullptr));
+            [](TestAndLocation& /*record*/, const QString& /*value*/) {}));
 }
 
 std::vector<QString> JobManagerRestAPI::getAllOptionalJobProperties(QString jobID)
@@ -217,10 +219,26 @@ QVariant JobManagerRestAPI::getOptionalJobProperty(QString jobID, const QString&
     return valueOf(getJobAttribute(jobID, propName));
 }
 
+bool JobManagerRestAPI::setOptionalJobProperty(QString jobID, const QString& propName, const QVariant& value)
+{
+    return setJobAttribute(jobID, propName, value);
+}
+
 std::optional<cdm::Attribute> JobManagerRestAPI::getJobAttribute(const QString& jobID, const QString& name)
 {
     const cdm::CdmSouthboundJob* const job = m_cache.getCdmJob(jobID);
     return job ? readProperty(m_jobAttributeExtractors, *job, name) : std::nullopt;
+}
+
+bool JobManagerRestAPI::setJobAttribute(QString jobID, const QString& name, const QVariant& value)
+{
+    cdm::CdmSouthboundJob* const job = m_cache.getCdmJob(jobID);
+    if (!job)
+        return false;
+    const auto* const extractor = extractorOf(m_jobAttributeExtractors, name);
+    if (extractor && extractor->m_setAttribute)
+        extractor->m_setAttribute(*job, attributeNameOf(name), value.toString());
+    return true;
 }
 
 std::vector<QString> JobManagerRestAPI::getAllOptionalTestProperties(QString jobID, long long testID)

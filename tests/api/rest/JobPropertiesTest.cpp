@@ -1,8 +1,7 @@
 // The optional properties of a job: names, values and display infos.
 
 #include "tests/api/rest/CerrCapture.h"
-#include "tests/api/rest/OnStandIn.h"
-#include "tests/api/rest/Records.h"
+#include "tests/api/rest/WithJob.h"
 #include "tests/support/MessageCollector.h"
 
 #include <QtTest>
@@ -12,37 +11,7 @@ using namespace jobmanager_ui;
 
 namespace {
 
-const QString job = QStringLiteral("J");
-const QString someProperty = QStringLiteral("attributes/name");
-
 using Names = std::vector<QString>;
-
-/// Over a service whose one job is this, already read.
-class WithJob : public OnStandIn
-{
-public:
-    explicit WithJob(const cdm::CdmSouthboundJob& record)
-    {
-        ClientAnswers answers;
-        answers.jobs["J"] = record;
-        StandInClient::setAnswers(answers);
-        (*this)->fetchJob(job);
-        (*this)->commitFetchedData();
-        StandInClient::forgetCalls();
-    }
-};
-
-cdm::CdmSouthboundJob jobWithAttributes(const std::map<std::string, nlohmann::json>& values)
-{
-    cdm::CdmSouthboundJob record = jobOf("J");
-    record.details.attributes.emplace().values = values;
-    return record;
-}
-
-nlohmann::json attributeJson(const std::string& value)
-{
-    return { { "label", "Label" }, { "value", value } };
-}
 
 PropertyDisplayInfo displayInfoOf(const cdm::Attribute& attribute)
 {
@@ -86,7 +55,6 @@ private Q_SLOTS:
     void contentThatIsNoAttributeIsEmptyAndReported();
     void unknownJobIsFetchedOnceAndHasEmptyProperties();
     void fieldsReadAsAttributes();
-    void propertiesCannotBeWrittenYet();
 
     void nameWithoutAttributeHasADefaultDisplayInfo();
     void displayInfoHasTheNameAndTheLabel();
@@ -188,13 +156,7 @@ void JobPropertiesTest::missingValueIsAnEmptyText()
 
 void JobPropertiesTest::nameThatNoExtractorServesHasNoValue_data()
 {
-    QTest::addColumn<QString>("name");
-    QTest::newRow("empty") << QString();
-    QTest::newRow("bare name of an attribute") << QStringLiteral("name");
-    QTest::newRow("unknown extractor") << QStringLiteral("other/name");
-    QTest::newRow("empty extractor") << QStringLiteral("/name");
-    QTest::newRow("other case") << QStringLiteral("techid");
-    QTest::newRow("of tests") << QStringLiteral("location");
+    addNamesThatNoExtractorServes();
 }
 
 void JobPropertiesTest::nameThatNoExtractorServesHasNoValue()
@@ -242,14 +204,6 @@ void JobPropertiesTest::fieldsReadAsAttributes()
     QVERIFY(technician && technician->label.empty() && technician->editable == false);
     const std::optional<cdm::Attribute> contractor = api->getJobAttribute(job, QStringLiteral("contractorId"));
     QVERIFY(contractor && contractor->label.empty() && contractor->editable == true);
-}
-
-void JobPropertiesTest::propertiesCannotBeWrittenYet()
-{
-    WithJob api(jobWithAttributes({ { "name", attributeJson("old") } }));
-    QVERIFY(!api->setOptionalJobProperty(job, someProperty, QStringLiteral("new")));
-    QCOMPARE(api->getOptionalJobProperty(job, someProperty), QVariant(QStringLiteral("old")));
-    QVERIFY(StandInClient::calls().empty());
 }
 
 void JobPropertiesTest::nameWithoutAttributeHasADefaultDisplayInfo()
