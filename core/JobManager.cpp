@@ -76,8 +76,11 @@ void JobManager::initializeJobManagerWorker()
     connect(this, &JobManager::setCurrentJobOnBackgroundThread, m_worker, &JobManagerWorker::onSetCurrentJob);
     connect(m_worker, &JobManagerWorker::setCurrentJobFinished, this, &JobManager::onSetCurrentJobFinished);
     connect(this, &JobManager::exportJobDataOnBackgroundThread, m_worker, &JobManagerWorker::onExportJobData);
+    connect(m_worker, &JobManagerWorker::exportJobDataFinished, this, &JobManager::onExportJobDataFinished);
     connect(this, &JobManager::importJobsOnBackgroundThread, m_worker, &JobManagerWorker::onImportJobs);
+    connect(m_worker, &JobManagerWorker::importJobsFinished, this, &JobManager::onImportJobsFinished);
     connect(this, &JobManager::exchangeJobOnBackgroundThread, m_worker, &JobManagerWorker::onExchangeJob);
+    connect(m_worker, &JobManagerWorker::exchangeJobFinished, this, &JobManager::onExchangeJobFinished);
 }
 
 void JobManager::setUpView(QSortFilterProxyModel& view, const QString& filter)

@@ -90,6 +90,25 @@ public:
     /// prepare the launch, and sends it. When it has an outcome, the test's errorMessage tells why it was refused, or
     /// is empty, and isTestLaunching falls. Does nothing for null or while another launch is under way.
     Q_INVOKABLE void launchTest(Test* test);
+    /// Exports the job below the folder, which must exist; "/media" means the first USB medium mounted there, or
+    /// "/media" itself if none is. Always returns an empty text: exportingJobData rises, and when the export has ended
+    /// exportJobDataOutputPath has the result before exportingJobData falls. Null, no folder, or one that is not there
+    /// change nothing. A second request waits for its turn, and the flag falls at the end of the first.
+    Q_INVOKABLE QString exportJobData(Job* job, QString usbRootFolder);
+    /// Whether the directory exists, so that an export to it can be offered.
+    Q_INVOKABLE bool showExportJobSelection(QString usbRootFolder);
+    /// Imports the jobs and templates from a folder or file. 0 once the import is on its way: importingJobs rises, and
+    /// importJobsNumberJobs has the number before importingJobs falls. -1 if nothing of that name exists, and
+    /// importJobsNumberJobs is -1 as well. The jobs themselves come with a later update.
+    Q_INVOKABLE int importJobs(QString path);
+    /// Whether a job or template file lies in the folder or below it. Walks the folder on the main thread, up to the
+    /// first such file: meant for a tap on a medium, not for a binding.
+    Q_INVOKABLE bool showImportJobButton(QString usbRootFolder);
+    /// Whether a device to exchange the current job with is attached.
+    Q_INVOKABLE bool showExchangeJobSelection();
+    /// Exchanges the current job with the attached device. True once the request is on its way: exchangingJob rises,
+    /// and jobExchangeStatus has the result before exchangingJob falls. False if there is no device.
+    Q_INVOKABLE bool exchangeCurrentJob();
     /// Asks for a sync with the cloud service: isSyncInProgress rises, and falls when one has ended. A second call
     /// waits for its turn on the worker.
     Q_INVOKABLE void syncWithNimbrel();
@@ -114,6 +133,9 @@ public:
     Q_INVOKABLE void writeSetting(QString settings_id, QString settings_value);
     /// Reads the settings anew and takes over the group type stored there, the default one if there is none.
     Q_INVOKABLE void updateSettingsFromDb();
+    /// Changes the language of all texts to that of the locale, such as "de" or "pt_BR", to the system's for the empty
+    /// code, and has the engine evaluate its texts anew. False if there is no catalogue for it: the language stays.
+    Q_INVOKABLE bool setLanguage(QString languageCode);
 
     /// The number of jobs, whatever `parent` is.
     int rowCount(const QModelIndex& parent = QModelIndex()) const override;
@@ -244,6 +266,12 @@ public Q_SLOTS:
     /// The end of a change of the current job: takes over what the service has changed, then lowers
     /// settingCurrentJob, also if another request waits.
     void onSetCurrentJobFinished();
+    /// The end of an export: stores where it went, empty if it failed, then lowers exportingJobData.
+    void onExportJobDataFinished(QString outputPath);
+    /// The end of an import: stores the number of jobs, then lowers importingJobs.
+    void onImportJobsFinished(int numberJobs);
+    /// The end of an exchange: stores whether it succeeded, then lowers exchangingJob.
+    void onExchangeJobFinished(bool status);
 
 private Q_SLOTS:
     void queryChangeCountSlot();
@@ -266,6 +294,8 @@ private:
     void requestCurrentJob(const QString& jobID);
     void announceLaunch(Test* test);
     void reportLaunch(const QString& jobID, long long testID, const QString& status);
+    void installTranslator(QTranslator* translator);
+    void retranslateScreens();
 
     std::shared_ptr<JobManagerAPIAbstraction> m_api;
     QThread m_workerThread;

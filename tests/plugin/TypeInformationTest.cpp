@@ -184,10 +184,12 @@ private Q_SLOTS:
             "setCurrentJobOnBackgroundThread exportJobDataOnBackgroundThread importJobsOnBackgroundThread "
             "exchangeJobOnBackgroundThread jobManagerUpdated testAboutToLaunch newJobCreated");
         row("JobManager", "method",
-            "onTestLaunchFinished onSyncFinished onFetchJobListFinished onSetCurrentJobFinished initialize "
-            "updateDataFromAPI updateDataFromAPI getTechID setCurrentJob unsetCurrentJob launchTest syncWithNimbrel "
-            "deleteJob createNewJob createNewJob createNewJob createNewJob fetchJobTemplates "
-            "getWorkOrderLabelFromTemplate getTemplateNumberOfTests doesJobExist writeSetting updateSettingsFromDb");
+            "onTestLaunchFinished onSyncFinished onFetchJobListFinished onSetCurrentJobFinished "
+            "onExportJobDataFinished onImportJobsFinished onExchangeJobFinished initialize updateDataFromAPI "
+            "updateDataFromAPI getTechID setCurrentJob unsetCurrentJob launchTest exportJobData showExportJobSelection "
+            "importJobs showImportJobButton showExchangeJobSelection exchangeCurrentJob syncWithNimbrel deleteJob "
+            "createNewJob createNewJob createNewJob createNewJob fetchJobTemplates getWorkOrderLabelFromTemplate "
+            "getTemplateNumberOfTests doesJobExist writeSetting updateSettingsFromDb setLanguage");
         row("JobManager", "enum", "");
     }
 
