@@ -9,7 +9,9 @@ namespace jobmanager_ui {
 /// It shows nothing until testsCount is set, and fewer rows where the slice reaches beyond the other model's end.
 ///
 /// Each change of the slice is a full reset of this model. Rows that come to or leave the other model by row signals
-/// do not move the slice over the rows that are in it already; a reset of either model does. Main thread only.
+/// do not move the slice over the rows that are in it already; a reset of either model does. The slice may be changed
+/// from inside a reset of the other model, where a TestList tells of its sections, but not from inside its row
+/// signals, which the base class does not stand. Main thread only.
 class PartialModel : public QSortFilterProxyModel
 {
     Q_OBJECT

@@ -6,7 +6,7 @@ using jobmanager_ui::TestList;
 
 namespace jobmanager_test {
 
-QString orderText(const TestList& tests)
+QString orderText(const QAbstractItemModel& tests)
 {
     QStringList ids;
     for (int row = 0; row < tests.rowCount(); ++row) {

@@ -4,8 +4,9 @@
 
 namespace jobmanager_test {
 
-/// A list model as Qt's model tester wants it. The lists' rowCount ignores its parent by design, since QML asks for
-/// the rows of the list alone; the tester takes the count that a row gives for children that cannot be reached.
+/// A list model, or a slice of one, as Qt's model tester wants it. The lists' rowCount ignores its parent by design,
+/// since QML asks for the rows of the list alone; the tester takes the count that a row gives for children that
+/// cannot be reached.
 class FlatView : public QIdentityProxyModel
 {
 public:
