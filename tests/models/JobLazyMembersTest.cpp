@@ -146,13 +146,39 @@ private Q_SLOTS:
         QCOMPARE(m_journal.take(), QStringList());
     }
 
-    void forwardersAndGetTestDoNotGoThroughTheGate()
+    void invokablesAskTheTestsAsTheyStandAndStartNoFetch_data()
+    {
+        QTest::addColumn<QVariant>("argument");
+        QTest::addColumn<QVariant>("answer");
+        QTest::newRow("getTestNamebyTestIndex") << QVariant(0) << QVariant(QString());
+        QTest::newRow("getTestDescriptionByTestIndex") << QVariant(0) << QVariant(QString());
+        QTest::newRow("getTestSiteByTestIndex") << QVariant(0) << QVariant(QString());
+        QTest::newRow("getTestTypeByTestIndex") << QVariant(0) << QVariant(QString());
+        QTest::newRow("testLocationsNumberByIndex") << QVariant(0) << QVariant(-1);
+        QTest::newRow("countTestsByDisplayName") << QVariant(QString()) << QVariant(0);
+        QTest::newRow("testLocationsNumberByDisplayName") << QVariant(QString()) << QVariant(0);
+    }
+
+    void invokablesAskTheTestsAsTheyStandAndStartNoFetch()
+    {
+        QFETCH(QVariant, argument);
+        waitForAFetch();
+        QTEST(invoke(QTest::currentDataTag(), argument), "answer");
+        QCOMPARE(m_journal.take(), QStringList());
+    }
+
+    void resetsAndSortingStartNoFetch()
     {
         waitForAFetch();
-        QCOMPARE(m_job->countTestsByDisplayName(QString()), 0);
         m_job->resetTestFilter();
         m_job->resetTestLocationSearch();
+        m_job->sortTests(TestGroupType::GROUPBY_LOCATION);
         QCOMPARE(m_journal.take(), QStringList());
+    }
+
+    void getTestDoesNotGoThroughTheGate()
+    {
+        waitForAFetch();
         QCOMPARE(m_job->getTest(1)->location(), QStringLiteral("B"));
         QCOMPARE(emitted(), QStringList());
         QCOMPARE(m_job->fetchInProgress(), false);
@@ -325,6 +351,14 @@ emit numberOfIncompleteRequiredAttributesChanged())"));
         QCOMPARE(m_job->fetchInProgress(), true);
     }
 
+    void sameWorkerAgainIsConnectedOnce()
+    {
+        waitForAFetch();
+        m_job->setWorker(m_worker.get());
+        m_job->tests();
+        oneFetchArrivesAndComesBack();
+    }
+
     void newWorkerTakesTheOldOnesPlace()
     {
         waitForAFetch();
@@ -335,12 +369,7 @@ emit numberOfIncompleteRequiredAttributesChanged())"));
         m_job->tests();
         Q_EMIT m_worker->fetchJobFinished(id);
         QCOMPARE(m_job->fetchInProgress(), true);
-        m_thread->start();
-        QTRY_VERIFY(!m_job->fetchInProgress());
-        m_thread->quit();
-        m_thread->wait();
-        QCOMPARE(m_api->count(QStringLiteral("fetchJob")), 1);
-        QCOMPARE(m_api->count(QStringLiteral("commitFetchedData")), 1);
+        oneFetchArrivesAndComesBack();
     }
 
     // Forwarders.
@@ -353,30 +382,27 @@ emit numberOfIncompleteRequiredAttributesChanged())"));
         QTest::newRow("getTestDescriptionByTestIndex") << QVariant(4) << QVariant(QStringLiteral("what"));
         QTest::newRow("getTestSiteByTestIndex") << QVariant(4) << QVariant(QStringLiteral("where"));
         QTest::newRow("getTestTypeByTestIndex") << QVariant(4) << QVariant(QStringLiteral("otdr-1"));
-        QTest::newRow("testLocationsNumberByIndex") << QVariant(4) << QVariant(0);
-        QTest::newRow("countTestsByDisplayName") << QVariant(QStringLiteral("OTDR")) << QVariant(2);
-        QTest::newRow("testLocationsNumberByDisplayName") << QVariant(QStringLiteral("OTDR")) << QVariant(1);
+        QTest::newRow("testLocationsNumberByIndex") << QVariant(4) << QVariant(5);
+        QTest::newRow("countTestsByDisplayName") << QVariant(QStringLiteral("OTDR")) << QVariant(3);
+        QTest::newRow("testLocationsNumberByDisplayName") << QVariant(QStringLiteral("OTDR")) << QVariant(2);
     }
 
     void invokablesForwardToTheTests()
     {
         QFETCH(QVariant, argument);
-        QFETCH(QVariant, answer);
-        std::vector<ScriptedTest> tests = testsAt({ QStringLiteral("A"), QStringLiteral("B") });
+        std::vector<ScriptedTest> tests =
+            testsAt({ QStringLiteral("A"), QStringLiteral("B"), QStringLiteral("C"), QStringLiteral("D") });
+        for (const std::size_t named : { 0, 1, 2 }) {
+            tests[named].displayName = QStringLiteral("OTDR");
+        }
         tests[0].index = 4;
-        tests[0].displayName = QStringLiteral("OTDR");
         tests[0].description = QStringLiteral("what");
         tests[0].site = QStringLiteral("where");
         tests[0].type = QStringLiteral("otdr-1");
-        tests[1].displayName = QStringLiteral("OTDR");
-        tests[1].locationsNumber = 3;
+        tests[0].locationsNumber = 5;
         setTests(*m_api, id, tests);
         m_job->tests();
-        QVariant result(answer.userType(), nullptr);
-        QVERIFY(QMetaObject::invokeMethod(m_job.get(), QTest::currentDataTag(),
-            QGenericReturnArgument(answer.typeName(), result.data()),
-            QGenericArgument(argument.typeName(), argument.constData())));
-        QCOMPARE(result, answer);
+        QTEST(invoke(QTest::currentDataTag(), argument), "answer");
     }
 
     void resetsEndFilterAndSearch()
@@ -426,6 +452,30 @@ private:
     {
         m_job->setWorker(m_worker.get());
         m_journal.take();
+    }
+
+    /// Lets the worker do what it was asked for since the test began.
+    void oneFetchArrivesAndComesBack()
+    {
+        m_thread->start();
+        QTRY_VERIFY(!m_job->fetchInProgress());
+        m_thread->quit();
+        m_thread->wait();
+        QCOMPARE(m_api->count(QStringLiteral("fetchJob")), 1);
+        QCOMPARE(m_api->count(QStringLiteral("commitFetchedData")), 1);
+    }
+
+    /// What the invokable of that name gives for its one argument, in its own type.
+    QVariant invoke(const char* name, const QVariant& argument)
+    {
+        const QMetaObject* const meta = m_job->metaObject();
+        const int method = meta->indexOfMethod(
+            QMetaObject::normalizedSignature((QByteArray(name) + '(' + argument.typeName() + ')').constData()));
+        QVariant result(meta->method(method).returnType(), nullptr);
+        const bool invoked =
+            meta->method(method).invoke(m_job.get(), QGenericReturnArgument(result.typeName(), result.data()),
+                QGenericArgument(argument.typeName(), argument.constData()));
+        return invoked ? result : QVariant();
     }
 
     /// The job's signals since the journal was emptied last.
