@@ -94,6 +94,8 @@ CommandLine parseCommandLine(const std::vector<std::string>& arguments)
             line.generate = parseGenerate(value());
         else if (name == "--tech-id")
             line.techId = value();
+        else if (name == "--attribute-rules")
+            line.attributeRules = path();
         else
             throw UsageError("there is no option \"" + arguments[i] + "\"");
     }
@@ -112,6 +114,8 @@ const char* usageText()
            "                             listening; a job that is known stays as it is; may be repeated\n"
            "  --generate jobs=N,tests=M  make N jobs of M tests each, always the same ones\n"
            "  --tech-id ID               technician of the login configuration\n"
+           "  --attribute-rules FILE     refuse, normalise or delay writes of chosen attributes, to try clients\n"
+           "                             out (docs/job-service-api.md)\n"
            "  --help                     this text\n"
            "  --version                  the version\n"
            "\n"

@@ -27,6 +27,8 @@ struct CommandLine
     std::vector<std::filesystem::path> load;
     std::optional<GenerateSize> generate;
     std::string techId;
+    /// Empty for no rules.
+    std::filesystem::path attributeRules;
 };
 
 /// The command line makes no sense.

@@ -35,8 +35,16 @@ JsonTree attributesFrom(const RouteRequest& request)
 
 } // namespace
 
-JobApi::JobApi(JobStore& store, std::string techId) : m_store(store), m_techId(std::move(techId))
+JobApi::JobApi(JobStore& store, std::string techId, AttributeRules attributeRules)
+    : m_store(store)
+    , m_techId(std::move(techId))
+    , m_attributes(store, std::move(attributeRules))
 {
+}
+
+void JobApi::stop()
+{
+    m_attributes.stop();
 }
 
 std::vector<Route> JobApi::routes()
@@ -51,6 +59,7 @@ std::vector<Route> JobApi::routes()
     table.add("GET", "/jobs", [this](Request) { return jobs(); });
     table.addWrite("POST", "/jobs", smallBody, [this](Request request) { return createJob(request); });
     table.add("GET", "/jobs/{id}", [this](Request request) { return job(request); });
+    table.addWrite("PATCH", "/jobs/{id}", partOfJob, [this](Request request) { return updateJob(request); });
     table.add("DELETE", "/jobs/{id}", [this](Request request) { return deleteJob(request); });
     table.add("POST", "/jobs/{id}/archive", [this](Request request) { return setArchived(request, true); });
     table.add("POST", "/jobs/{id}/restore", [this](Request request) { return setArchived(request, false); });
@@ -118,6 +127,12 @@ HttpResponse JobApi::createJob(const RouteRequest& request)
     if (!m_store.createJob(jobFromTemplate(job, *document, utcNow())))
         throw ApiError(409, "job_exists", "There is already a job with this id.");
     return jsonResponse(201, { { "id", job.id } });
+}
+
+HttpResponse JobApi::updateJob(const RouteRequest& request)
+{
+    checkFound(m_attributes.update(request.parameters[0], request.json));
+    return noContent();
 }
 
 HttpResponse JobApi::deleteJob(const RouteRequest& request)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "service/AttributeWriter.h"
 #include "service/JobStore.h"
 #include "service/Router.h"
 
@@ -14,13 +15,17 @@ class JobApi
 public:
     /// `store` must outlive the object, and the object its routes. `techId` is the technician of the login
     /// configuration.
-    JobApi(JobStore& store, std::string techId);
+    JobApi(JobStore& store, std::string techId, AttributeRules attributeRules = {});
 
     std::vector<Route> routes();
+
+    /// Ends what handlers wait for, before the server is told to stop.
+    void stop();
 
 private:
     JobStore& m_store;
     const std::string m_techId;
+    AttributeWriter m_attributes;
 
     HttpResponse changeCount() const;
     HttpResponse status() const;
@@ -29,6 +34,7 @@ private:
     HttpResponse jobs() const;
     HttpResponse job(const RouteRequest& request) const;
     HttpResponse createJob(const RouteRequest& request);
+    HttpResponse updateJob(const RouteRequest& request);
     HttpResponse deleteJob(const RouteRequest& request);
     HttpResponse setArchived(const RouteRequest& request, bool archived);
     HttpResponse putJobAttributes(const RouteRequest& request);

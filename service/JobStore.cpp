@@ -84,16 +84,16 @@ bool hasJob(SqliteDatabase& database, const std::string& id)
 
 } // namespace
 
-/// A transaction that moves the count by one. The count is published after the commit: who sees it move
+/// A transaction that moves the count. The count is published after the commit: who sees it move
 /// sees the change.
 class JobStore::CountedChange
 {
 public:
     explicit CountedChange(JobStore& store) : m_store(store), m_transaction(store.m_writer) { }
 
-    void commit()
+    void commit(unsigned steps = 1)
     {
-        const int count = moved(m_store.changeCount(), 1);
+        const int count = moved(m_store.changeCount(), steps);
         storeState(m_store.m_writer, "change_count", std::to_string(count));
         m_transaction.commit();
         m_store.m_changeCount.store(count, std::memory_order_release);
@@ -221,16 +221,25 @@ std::size_t JobStore::addJobs(
 
 JobStore::Change JobStore::changeJob(const std::string& id, const std::function<void(JsonTree& document)>& patch)
 {
+    return changeJobInSteps(id, [&patch](JsonTree& document) {
+        patch(document);
+        return 1u;
+    });
+}
+
+JobStore::Change JobStore::changeJobInSteps(
+    const std::string& id, const std::function<unsigned(JsonTree& document)>& patch)
+{
     return write([&](SqliteDatabase& database) {
         CountedChange change(*this);
         const std::optional<std::string> text = documentOf(database, id);
         if (!text)
             return Change::NoSuchJob;
         JsonTree document = JsonTree::fromText(*text);
-        patch(document);
+        const unsigned steps = patch(document);
         detailsOf(document).set("modifiedOn", JsonTree::fromString(utcNow()));
         updateJob(database, storedJob(document));
-        change.commit();
+        change.commit(steps);
         return Change::Done;
     });
 }

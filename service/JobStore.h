@@ -20,9 +20,9 @@ struct OpenedStore;
 
 /// The jobs and what else outlives the service, in one database file.
 ///
-/// Every change of jobs or of the active job is one transaction, which also moves the change count by exactly one,
-/// also when the change alters nothing; a refused one moves nothing. When a changing operation returns, the change is
-/// on disk. Settings, the group type and templates do not move the count.
+/// Every change of jobs or of the active job is one transaction, which also moves the change count, by exactly one
+/// unless the change asks for more, also when it alters nothing; a refused one moves nothing. When a changing operation
+/// returns, the change is on disk. Settings, the group type and templates do not move the count.
 ///
 /// Safe for concurrent use; a reader does not wait for a writer. Operations throw SqliteError when the
 /// database fails.
@@ -56,6 +56,8 @@ public:
     /// Lets `patch` change the document of a job and sets its time of modification. What `patch` throws leaves
     /// this operation and changes nothing; so does the DocumentRefused of a document that has become unfit.
     Change changeJob(const std::string& id, const std::function<void(JsonTree& document)>& patch);
+    /// The same, but `patch` answers by how much the change moves the count.
+    Change changeJobInSteps(const std::string& id, const std::function<unsigned(JsonTree& document)>& patch);
     /// Removes a job. If it was the active one, there is none afterwards.
     Change removeJob(const std::string& id);
 

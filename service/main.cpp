@@ -1,3 +1,4 @@
+#include "service/AttributeRules.h"
 #include "service/CommandLine.h"
 #include "service/DataFolder.h"
 #include "service/FileLoader.h"
@@ -80,11 +81,14 @@ void serve(const CommandLine& line)
     ignoreHarmlessSignals();
     const EndSignals endSignals;
     const DataFolder folder(line.data.empty() ? DataFolder::defaultPath() : line.data);
+    AttributeRules rules;
+    if (!line.attributeRules.empty())
+        rules = AttributeRules::fromFile(line.attributeRules);
     HttpServer server(line.port);
     JobStore store(folder.path());
     fill(store, line, endSignals);
 
-    JobApi api(store, line.techId);
+    JobApi api(store, line.techId, std::move(rules));
     const Router router(api.routes(), server.port());
     server.listen([&router](const HttpHead& head) { return router.decide(head); });
     std::thread serving([&server] { server.run(); });
@@ -92,6 +96,7 @@ void serve(const CommandLine& line)
     std::fflush(stdout);
 
     endSignals.wait();
+    api.stop();
     server.stop();
     serving.join();
 }

@@ -295,10 +295,10 @@ TEST_F(JobApiTest, whatIsNotServedIsNotFound)
 TEST_F(JobApiTest, aWrongMethodIsToldTheRightOnes)
 {
     addJob("a");
-    const HttpResponse response = call("PATCH", "/jobs/a", "{}");
+    const HttpResponse response = call("POST", "/jobs/a", "{}");
     EXPECT_EQ(response.status, 405);
     using Fields = std::vector<std::pair<std::string, std::string>>;
-    EXPECT_EQ(response.fields, (Fields{ { "Allow", "GET, DELETE" } }));
+    EXPECT_EQ(response.fields, (Fields{ { "Allow", "GET, PATCH, DELETE" } }));
     for (const char* method : { "OPTIONS", "TRACE", "HEAD", "BREW" })
         expectRefused(405, "method_not_allowed", method, "/jobs");
     expectRefused(405, "method_not_allowed", "POST", "/jobs/a/attributes", "{}");
@@ -366,8 +366,9 @@ TEST_P(HostileBody, isRefusedByEveryRouteThatTakesJson)
     addJob("a");
     const int before = store().changeCount();
     const std::string text = store().document("a").value();
-    for (const char* route : { "POST /jobs", "PUT /jobs/a/attributes", "PUT /jobs/a/tests/0/attributes",
-             "PUT /jobs/a/tests/0/results", "PUT /active-job", "PUT /settings/x", "PUT /ui-group-type" }) {
+    for (const char* route :
+        { "POST /jobs", "PATCH /jobs/a", "PUT /jobs/a/attributes", "PUT /jobs/a/tests/0/attributes",
+            "PUT /jobs/a/tests/0/results", "PUT /active-job", "PUT /settings/x", "PUT /ui-group-type" }) {
         const std::string line = route;
         const std::size_t blank = line.find(' ');
         const HttpResponse response = call(line.substr(0, blank), line.substr(blank + 1), GetParam().body);

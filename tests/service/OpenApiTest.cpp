@@ -138,7 +138,10 @@ protected:
 
     void SetUp() override
     {
-        m_files.write("a.job.json", R"({"details":{"id":"WO-1"},"tests":[{"testType":"x"}]})");
+        m_files.write("a.job.json",
+            R"({"details":{"id":"WO-1","jobManagerAttributes":{)"
+            R"("accessCode":{"label":"Access code","value":"","valueType":"number","editable":true},)"
+            R"("fixed":{"label":"Fixed","value":""}}},"tests":[{"testType":"x"}]})");
         m_service.setArguments({ "--load", m_files.path().string() });
         ASSERT_TRUE(m_service.start()) << m_service.log();
     }
@@ -306,6 +309,24 @@ TEST_F(OpenApiTest, theConflictAndTheUnknownTemplateAnswerAsDescribed)
     EXPECT_EQ(checked, 1);
 }
 
+TEST_F(OpenApiTest, refusedWritesOfAttributesAnswerAsDescribed)
+{
+    int checked = 0;
+    for (const Operation& operation : operations()) {
+        if (operation.method != "PATCH")
+            continue;
+        ++checked;
+        const auto expectRefused = [&](const char* name, const char* status) {
+            const json update = { { "jobManagerAttributes", { { name, { { "value", "x" } } } } } };
+            expectAnswer(operation, call(operation, pathOf(operation), update.dump()), status);
+        };
+        expectRefused("fixed", "409");
+        expectRefused("accessCode", "422");
+        expectRefused("none", "404");
+    }
+    EXPECT_EQ(checked, 1);
+}
+
 TEST_F(OpenApiTest, otherMethodsAreToldTheDescribedOnes)
 {
     for (const auto& [path, item] : m_description.paths().items()) {
@@ -315,7 +336,7 @@ TEST_F(OpenApiTest, otherMethodsAreToldTheDescribedOnes)
                 described.insert(operation.method);
         }
         const std::string concrete = std::regex_replace(path, std::regex("\\{[^}]*\\}"), "0");
-        const HttpReply reply = httpRequest(m_service.port(), "PATCH", concrete);
+        const HttpReply reply = httpRequest(m_service.port(), "OPTIONS", concrete);
         EXPECT_EQ(reply.status, 405) << path;
         std::set<std::string> allowed;
         std::istringstream list(reply.headers.at("allow"));
