@@ -1,13 +1,13 @@
 #include "core/JobManager.h"
+#include "models/PartialModel.h"
 #include "tests/models/ScriptedTests.h"
 #include "tests/support/MessageCollector.h"
+#include "tests/support/QmlObject.h"
 
 #include <algorithm>
 #include <memory>
 #include <QPointer>
-#include <QQmlComponent>
 #include <QQmlContext>
-#include <QQmlEngine>
 #include <QtTest>
 
 using namespace jobmanager_test;
@@ -53,12 +53,17 @@ private Q_SLOTS:
             m_jobs.append(m_manager->index(row, 0).data(JobManager::JobRole).value<Job*>());
         }
         m_list = m_manager->currentJob()->tests();
+        m_slice = std::make_unique<PartialModel>();
+        m_slice->setModel(m_list);
+        m_slice->setTestsCount(2);
+        m_engine->rootContext()->setContextProperty(QStringLiteral("slice"), m_slice.get());
         m_tests = { m_manager->currentJob()->getTest(0).get(), m_manager->currentJob()->getTest(1).get() };
     }
 
     void cleanup()
     {
         m_engine.reset();
+        m_slice.reset();
         m_manager.reset();
         m_api.reset();
         m_jobs.clear();
@@ -107,6 +112,13 @@ private Q_SLOTS:
             << QStringLiteral("var tests = manager.currentJob.tests; for (var i = 0; i < tests.rowCount(); ++i) "
                               "seen += tests.data(tests.index(i, 0), 262).location")
             << QStringLiteral("xy");
+        QTest::newRow("data() of a slice of the tests")
+            << QStringLiteral("for (var i = 0; i < slice.rowCount(); ++i) "
+                              "seen += slice.data(slice.index(i, 0), 262).location")
+            << QStringLiteral("xy");
+        QTest::newRow("the tests as the model of a slice")
+            << QStringLiteral("seen = '' + slice.model.testsCount + slice.sourceModel.testsCount")
+            << QStringLiteral("22");
         QTest::newRow("the model of an index of the tests")
             << QStringLiteral("var tests = manager.currentJob.tests; seen = '' + tests.index(0, 0).model.testsCount")
             << QStringLiteral("2");
@@ -128,30 +140,31 @@ private Q_SLOTS:
 
     void jobsOutliveTheDelegatesThatShowThem()
     {
-        QQmlComponent component(m_engine.get());
-        component.setData("import QtQml 2.15\n"
-                          "Instantiator { model: manager; property string seen: ''; "
-                          "delegate: QtObject { property var shown: model.job; "
-                          "Component.onCompleted: seen += model.job.jobNumber } }",
-            QUrl());
-        std::unique_ptr<QObject> list(component.create());
-        QVERIFY2(list != nullptr, qPrintable(component.errorString()));
+        std::unique_ptr<QObject> list = qmlObject(*m_engine,
+            "Instantiator { model: manager; property string seen: ''; "
+            "delegate: QtObject { property var shown: model.job; "
+            "Component.onCompleted: seen += model.job.jobNumber } }");
         QTRY_COMPARE(list->property("seen").toString(), QStringLiteral("ABC"));
         list.reset();
         collect();
         verifyEverybodyLives();
     }
 
+    void testsOutliveTheDelegatesThatShowThem_data()
+    {
+        QTest::addColumn<QByteArray>("model");
+        QTest::newRow("of the list") << QByteArray("manager.currentJob.tests");
+        QTest::newRow("of a slice") << QByteArray("slice");
+    }
+
     void testsOutliveTheDelegatesThatShowThem()
     {
-        QQmlComponent component(m_engine.get());
-        component.setData("import QtQml 2.15\n"
-                          "Instantiator { model: manager.currentJob.tests; property string seen: ''; "
-                          "delegate: QtObject { property var shown: model.test; "
-                          "Component.onCompleted: seen += model.test.location } }",
-            QUrl());
-        std::unique_ptr<QObject> list(component.create());
-        QVERIFY2(list != nullptr, qPrintable(component.errorString()));
+        QFETCH(QByteArray, model);
+        std::unique_ptr<QObject> list = qmlObject(*m_engine,
+            "Instantiator { model: " + model
+                + "; property string seen: ''; "
+                  "delegate: QtObject { property var shown: model.test; "
+                  "Component.onCompleted: seen += model.test.location } }");
         QTRY_COMPARE(list->property("seen").toString(), QStringLiteral("xy"));
         list.reset();
         collect();
@@ -160,14 +173,10 @@ private Q_SLOTS:
 
     void testHeldInAPropertyOutlivesTheCollector()
     {
-        QQmlComponent component(m_engine.get());
-        component.setData("import QtQml 2.15\n"
-                          "QtObject { property var tests: manager.currentJob.tests; "
-                          "property QtObject shown: tests.data(tests.index(0, 0), 262); "
-                          "property string seen: shown.location }",
-            QUrl());
-        std::unique_ptr<QObject> holder(component.create());
-        QVERIFY2(holder != nullptr, qPrintable(component.errorString()));
+        std::unique_ptr<QObject> holder = qmlObject(*m_engine,
+            "QtObject { property var tests: manager.currentJob.tests; "
+            "property QtObject shown: tests.data(tests.index(0, 0), 262); "
+            "property string seen: shown.location }");
         QCOMPARE(holder->property("seen").toString(), QStringLiteral("x"));
         collect();
         verifyEverybodyLives();
@@ -178,13 +187,9 @@ private Q_SLOTS:
 
     void testOfASignalFromCppOutlivesTheCollector()
     {
-        QQmlComponent component(m_engine.get());
-        component.setData("import QtQml 2.15\n"
-                          "Connections { property string seen; target: manager; "
-                          "function onTestAboutToLaunch(test) { seen = test.location } }",
-            QUrl());
-        std::unique_ptr<QObject> receiver(component.create());
-        QVERIFY2(receiver != nullptr, qPrintable(component.errorString()));
+        std::unique_ptr<QObject> receiver = qmlObject(*m_engine,
+            "Connections { property string seen; target: manager; "
+            "function onTestAboutToLaunch(test) { seen = test.location } }");
         Q_EMIT m_manager->testAboutToLaunch(m_tests.first());
         QCOMPARE(receiver->property("seen").toString(), QStringLiteral("x"));
         receiver.reset();
@@ -194,13 +199,9 @@ private Q_SLOTS:
 
     void jobOfASignalFromCppOutlivesTheCollector()
     {
-        QQmlComponent component(m_engine.get());
-        component.setData("import QtQml 2.15\n"
-                          "Connections { property string seen; target: manager; "
-                          "function onNewJobCreated(job) { seen = job.jobNumber } }",
-            QUrl());
-        std::unique_ptr<QObject> receiver(component.create());
-        QVERIFY2(receiver != nullptr, qPrintable(component.errorString()));
+        std::unique_ptr<QObject> receiver = qmlObject(*m_engine,
+            "Connections { property string seen; target: manager; "
+            "function onNewJobCreated(job) { seen = job.jobNumber } }");
         Q_EMIT m_manager->newJobCreated(m_jobs.first());
         QCOMPARE(receiver->property("seen").toString(), QStringLiteral("A"));
         receiver.reset();
@@ -222,14 +223,8 @@ private:
     /// Runs the script and gives what it has put into `seen`. Nothing of it lives on.
     QString run(const QString& script)
     {
-        QQmlComponent component(m_engine.get());
-        component.setData(QStringLiteral("import QtQml 2.15\nQtObject { property string seen: ''; "
-                                         "Component.onCompleted: { %1 } }")
-                              .arg(script)
-                              .toUtf8(),
-            QUrl());
-        const std::unique_ptr<QObject> root(component.create());
-        return root == nullptr ? component.errorString() : root->property("seen").toString();
+        const QString text = QStringLiteral("QtObject { property string seen: ''; Component.onCompleted: { %1 } }");
+        return qmlObject(*m_engine, text.arg(script).toUtf8())->property("seen").toString();
     }
 
     void collect()
@@ -258,6 +253,7 @@ private:
     std::unique_ptr<MessageCollector> m_messages;
     std::shared_ptr<RecordingApi> m_api;
     std::unique_ptr<JobManager> m_manager;
+    std::unique_ptr<PartialModel> m_slice;
     std::unique_ptr<QQmlEngine> m_engine;
     QList<QPointer<Job>> m_jobs;
     QPointer<QAbstractListModel> m_list;

@@ -56,7 +56,7 @@ QStringList TestListFixture::rebuildSignals()
         QStringLiteral("emit sectionsCountChanged()"), QStringLiteral("emit modelReset()") };
 }
 
-QStringList TestListFixture::shrinkingSignals()
+QStringList TestListFixture::resizingSignals()
 {
     QStringList expected = rebuildSignals();
     expected.insert(1, QStringLiteral("emit testsCountChanged()"));

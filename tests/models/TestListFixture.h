@@ -31,7 +31,7 @@ protected:
     /// What a rebuild of rows and sections emits that leaves the number of rows as it was.
     static QStringList rebuildSignals();
     /// What a rebuild of rows and sections emits that changes the number of rows.
-    static QStringList shrinkingSignals();
+    static QStringList resizingSignals();
 
     const QString m_jobID = QStringLiteral("J");
     Journal m_journal;

@@ -2,13 +2,13 @@
 #include "tests/models/TestListFixture.h"
 #include "tests/support/FlatView.h"
 #include "tests/support/MetaObjectText.h"
+#include "tests/support/QmlObject.h"
 #include "tests/support/SignalRecorder.h"
 
 #include <memory>
 #include <QAbstractItemModelTester>
 #include <QMetaEnum>
 #include <QPointer>
-#include <QQmlEngine>
 #include <QtTest>
 
 using namespace jobmanager_test;
@@ -78,6 +78,7 @@ TestRoles::Test=262)"));
     {
         QCOMPARE(m_list->parent(), nullptr);
         QCOMPARE(QQmlEngine::objectOwnership(m_list.get()), QQmlEngine::CppOwnership);
+        QVERIFY(outlivesTheCollector(m_list.get()));
     }
 
     // Rows.
@@ -216,6 +217,31 @@ emit modelReset())"));
         QCOMPARE(m_list->testsCount(), 1);
     }
 
+    void oldRowsAndTheirSearchAreThereWhenAReloadBegins()
+    {
+        load(testsAt({ QStringLiteral("A"), QStringLiteral("B") }));
+        m_list->setSearchRegExpStr(QStringLiteral("b"));
+        QStringList seen;
+        connect(m_list.get(), &QAbstractItemModel::modelAboutToBeReset, this, [&] {
+            seen = QStringList{ ids(), m_list->getSearchRegExpStr() };
+        });
+        load(testsAt({ QStringLiteral("C") }));
+        QCOMPARE(seen, (QStringList{ QStringLiteral("1"), QStringLiteral("b") }));
+    }
+
+    void reloadTakesTheTestsInTheOrderOfTheJob()
+    {
+        const std::vector<ScriptedTest> tests =
+            testsAt({ QStringLiteral("A"), QStringLiteral("B"), QStringLiteral("C") });
+        load({ tests[0], tests[1] });
+        m_list->setGroupType(TestGroupType::GROUPBY_LOCATION);
+        m_journal.take();
+        load({ tests[2], tests[1], tests[0] });
+        QCOMPARE(m_journal.take().filter(QStringLiteral("getTestIndex")),
+            (QStringList{ QStringLiteral("call getTestIndex(2)"), QStringLiteral("call getTestIndex(1)"),
+                QStringLiteral("call getTestIndex(0)") }));
+    }
+
     void reloadOfNoTestsEmitsTheSectionSignalsToo()
     {
         load({});
@@ -235,7 +261,7 @@ emit modelReset())"));
         QCOMPARE(ids(), QStringLiteral("0"));
         m_journal.take();
         load(tests);
-        QCOMPARE(emitted(), shrinkingSignals());
+        QCOMPARE(emitted(), resizingSignals());
         QCOMPARE(m_list->getSearchRegExpStr(), QString());
         QCOMPARE(m_list->getTestFilter(), TestList::TESTFILTER_COMPLETED);
         QCOMPARE(m_list->getSection(2), QStringLiteral("B"));
@@ -306,6 +332,19 @@ emit modelReset())"));
         }
         load(tests);
         QCOMPARE(emitted(), rebuildSignals() + QStringList{ QStringLiteral("emit newTestResultsReceived()") });
+    }
+
+    void newTimeOfAHiddenTestIsToldToo()
+    {
+        std::vector<ScriptedTest> tests = testsAt({ QStringLiteral("A"), QStringLiteral("B") });
+        tests[1].status = QStringLiteral("pass");
+        load(tests);
+        m_list->setTestFilter(TestList::TESTFILTER_INCOMPLETE);
+        m_journal.take();
+        tests[1].time = minute(1);
+        load(tests);
+        QCOMPARE(ids(), QStringLiteral("0"));
+        QCOMPARE(emitted(), resizingSignals() + QStringList{ QStringLiteral("emit newTestResultsReceived()") });
     }
 
     void newAndRemovedTestsAreNoNewResults()
@@ -430,6 +469,7 @@ emit modelReset())"));
         load(tests);
         QCOMPARE(ids(), QStringLiteral("0 3 4 2"));
         QCOMPARE(m_list->sectionsCount(), 3);
+        QCOMPARE(m_list->testLocationsNumberByIndex(1), 0); // the hidden test is found by its index
     }
 
     void reloadThatBecomesRequiredInsideAReloadWaitsForTheNextReader()

@@ -109,7 +109,8 @@ private Q_SLOTS:
         QTest::addColumn<QVariant>("value");
         QTest::addColumn<QString>("location");
         QTest::newRow("missing") << QVariant() << QStringLiteral("~");
-        QTest::newRow("empty") << QVariant(QString()) << QStringLiteral("~");
+        QTest::newRow("null") << QVariant(QString()) << QStringLiteral("~");
+        QTest::newRow("empty") << QVariant(QStringLiteral("")) << QStringLiteral("~");
         QTest::newRow("no text") << QVariant(QStringList()) << QStringLiteral("~");
         QTest::newRow("blank") << QVariant(QStringLiteral(" ")) << QStringLiteral(" ");
         QTest::newRow("number") << QVariant(12) << QStringLiteral("12");

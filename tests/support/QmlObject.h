@@ -1,6 +1,9 @@
 #pragma once
 
 #include <memory>
+#include <QCoreApplication>
+#include <QEvent>
+#include <QPointer>
 #include <QQmlComponent>
 #include <QQmlEngine>
 
@@ -17,6 +20,18 @@ inline std::unique_ptr<QObject> qmlObject(QQmlEngine& engine, const QByteArray& 
         qFatal("%s", qPrintable(component.errorString()));
     }
     return object;
+}
+
+/// Whether the object lives on when JavaScript has got it, the way of an invokable's result or of a model's data, has
+/// let go of it and collects its garbage. The object is on the heap and has no parent: it dies if nothing protects it.
+inline bool outlivesTheCollector(QObject* object)
+{
+    const QPointer<QObject> watched = object;
+    QQmlEngine engine;
+    engine.newQObject(object);
+    engine.collectGarbage();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    return !watched.isNull();
 }
 
 } // namespace jobmanager_test
