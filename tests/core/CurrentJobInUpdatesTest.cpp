@@ -158,7 +158,7 @@ private:
     void watchCurrentJob()
     {
         m_seenCurrent.clear();
-        connect(m_manager.get(), &JobManager::currentJobChanged, this, [this] {
+        connect(m_manager, &JobManager::currentJobChanged, this, [this] {
             const Job* const current = m_manager->currentJob();
             m_seenCurrent.append(current == nullptr ? QString() : current->concreteTypeJobID());
         });

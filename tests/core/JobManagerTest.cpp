@@ -1,6 +1,6 @@
 #include "core/JobManager.h"
 #include "core/JobManagerWorker.h"
-#include "tests/core/ManagerFixture.h"
+#include "tests/core/RecordedManager.h"
 #include "tests/support/FlatView.h"
 #include "tests/support/MessageCollector.h"
 #include "tests/support/MetaObjectText.h"

@@ -1,6 +1,6 @@
 #include "core/JobManagerWorker.h"
-#include "tests/core/ManagerFixture.h"
 #include "tests/core/MockFrontFixture.h"
+#include "tests/core/RecordedManager.h"
 #include "tests/support/Deadline.h"
 #include "tests/support/FlatView.h"
 #include "tests/support/SignalRecorder.h"

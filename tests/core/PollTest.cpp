@@ -88,7 +88,7 @@ emit jobManagerUpdated())"));
         m_api->setJob(idA);
         m_api->setChangeCount(1);
         int rows = -1;
-        connect(m_manager.get(), &JobManager::jobManagerUpdated, this, [&] { rows = m_manager->rowCount(); });
+        connect(m_manager, &JobManager::jobManagerUpdated, this, [&] { rows = m_manager->rowCount(); });
         poll();
         QCOMPARE(rows, 0);
         m_manager->onFetchJobListFinished();
@@ -105,7 +105,7 @@ emit jobManagerUpdated())"));
 
     void wholePathOfAPollGoesThroughTheWorker()
     {
-        initialize();
+        m_recorded->start();
         m_api->setChangeCount(5);
         poll();
         QTRY_VERIFY(!m_manager->fetchingJobList());
@@ -197,7 +197,7 @@ emit fetchingJobListChanged())"));
         m_api->keepJobListCached();
         m_api->setChangeCount(4);
         QList<bool> movedAgain;
-        connect(m_manager.get(), &JobManager::currentJobChanged, this,
+        connect(m_manager, &JobManager::currentJobChanged, this,
             [&] { movedAgain.append(m_manager->checkChangeCount(false)); });
         m_manager->checkChangeCount(false);
         QCOMPARE(movedAgain, QList<bool>{ false });
@@ -205,7 +205,7 @@ emit fetchingJobListChanged())"));
 
     void onlyPollsTellThatTheManagerWasUpdated()
     {
-        const QSignalSpy updated(m_manager.get(), &JobManager::jobManagerUpdated);
+        const QSignalSpy updated(m_manager, &JobManager::jobManagerUpdated);
         m_api->setChangeCount(4);
         m_manager->checkChangeCount(false);
         m_manager->updateDataFromAPI(true);
@@ -285,7 +285,7 @@ emit fetchingJobListChanged())"));
     void queryFlagIsSignalledOnARealChangeWithItsValue()
     {
         const auto set = [this](bool value) {
-            return QMetaObject::invokeMethod(m_manager.get(), "setIsQueryCountChangeInProgress", Q_ARG(bool, value));
+            return QMetaObject::invokeMethod(m_manager, "setIsQueryCountChangeInProgress", Q_ARG(bool, value));
         };
         QVERIFY(set(false));
         QVERIFY(set(true));

@@ -13,6 +13,15 @@ using namespace jobmanager_ui;
 
 namespace jobmanager_test {
 
+QStringList rowIDs(const QAbstractItemModel& jobs)
+{
+    QStringList ids;
+    for (int row = 0; row < jobs.rowCount(); ++row) {
+        ids.append(jobs.index(row, 0).data(JobManager::JobIDRole).toString());
+    }
+    return ids;
+}
+
 RecordedManager::RecordedManager(std::shared_ptr<RecordingApi> recordingApi)
     : api(std::move(recordingApi))
     , messages(api->journal())
@@ -54,15 +63,6 @@ bool RecordedManager::waitUntilAnswered(const QString& call)
         std::this_thread::yield();
     }
     return true;
-}
-
-QStringList RecordedManager::ids() const
-{
-    QStringList result;
-    for (int row = 0; row < manager.rowCount(); ++row) {
-        result.append(manager.index(row, 0).data(JobManager::JobIDRole).toString());
-    }
-    return result;
 }
 
 } // namespace jobmanager_test

@@ -11,6 +11,9 @@
 
 namespace jobmanager_test {
 
+/// The ids of the jobs in the rows of the manager or of a view of it, in order.
+QStringList rowIDs(const QAbstractItemModel& jobs);
+
 /// A manager over the recording data interface, whose calls, the manager's signals and all messages go into one
 /// journal. Nothing runs before start: without it there is no worker, and a request goes nowhere.
 class RecordedManager
@@ -32,7 +35,7 @@ public:
     /// What the journal holds, one entry a line, which is then forgotten.
     QString take() { return lines(api->journal().take()); }
     /// The ids in row order.
-    QStringList ids() const;
+    QStringList ids() const { return rowIDs(manager); }
 
     std::shared_ptr<RecordingApi> api;
     MessageCollector messages;

@@ -31,7 +31,7 @@ private Q_SLOTS:
     void oldAndNewJobsGetTheWorkerOnce()
     {
         rebuild({ idA });
-        initialize();
+        m_recorded->start();
         rebuild({ idA, idB });
         JobManagerWorker* const worker = m_manager->getJob(idA)->worker();
         QVERIFY(worker != nullptr);
@@ -47,7 +47,7 @@ private Q_SLOTS:
     void firstReadsGiveNullAndStartOneFetchOnTheWorker()
     {
         setTests(*m_api, idA, testsAt({ QStringLiteral("x") }));
-        initialize();
+        m_recorded->start();
         rebuild({ idA, idB });
         Job* const job = m_manager->getJob(idA);
         for (int reader = 0; reader < 5; ++reader) {
@@ -61,7 +61,7 @@ private Q_SLOTS:
 
     void jobRemovedDuringItsFetchHarmsNothing()
     {
-        initialize();
+        m_recorded->start();
         rebuild({ idA, idB });
         m_api->hold(QStringLiteral("fetchJob"));
         QCOMPARE(m_manager->getJob(idA)->tests(), nullptr);

@@ -43,8 +43,8 @@ call getSettingsListInfo())"));
     void fetchFlagIsUpWhenItsSignalGoesOut()
     {
         QList<bool> seen;
-        connect(m_manager.get(), &JobManager::fetchingJobListChanged, this,
-            [&] { seen.append(m_manager->fetchingJobList()); });
+        connect(
+            m_manager, &JobManager::fetchingJobListChanged, this, [&] { seen.append(m_manager->fetchingJobList()); });
         m_manager->updateDataFromAPI(true);
         m_manager->onFetchJobListFinished();
         QCOMPARE(seen, (QList<bool>{ true, false }));
@@ -71,7 +71,7 @@ call getSettingsListInfo())"));
 
     void updateWithoutAnArgumentIsFull()
     {
-        QVERIFY(QMetaObject::invokeMethod(m_manager.get(), "updateDataFromAPI"));
+        QVERIFY(QMetaObject::invokeMethod(m_manager, "updateDataFromAPI"));
         QCOMPARE(m_journal.entries().first(), QStringLiteral("call clearCache()"));
     }
 
@@ -98,7 +98,7 @@ call getSettingsListInfo())"));
         m_api->setJob(idA);
         m_manager->updateDataFromAPI(true);
         QList<bool> flagInsideTheReset;
-        connect(m_manager.get(), &JobManager::currentJobChanged, this,
+        connect(m_manager, &JobManager::currentJobChanged, this,
             [&] { flagInsideTheReset.append(m_manager->fetchingJobList()); });
         m_journal.take();
         m_manager->onFetchJobListFinished();
@@ -175,7 +175,7 @@ call getSettingsListInfo())"));
         rebuild({ idA, idB });
         const QPointer<Job> gone = m_manager->getJob(idB);
         bool aliveAtTheEndOfTheReset = false;
-        connect(m_manager.get(), &JobManager::modelReset, this, [&] { aliveAtTheEndOfTheReset = !gone.isNull(); });
+        connect(m_manager, &JobManager::modelReset, this, [&] { aliveAtTheEndOfTheReset = !gone.isNull(); });
         m_journal.take();
         rebuild({ idA });
         QCOMPARE(aliveAtTheEndOfTheReset, true);
@@ -221,7 +221,7 @@ call getSettingsListInfo())"));
         m_api->keepJobListCached();
         m_api->setJobIDs({ idA, idB });
         bool asked = false;
-        connect(m_manager.get(), &JobManager::currentJobChanged, this, [&] {
+        connect(m_manager, &JobManager::currentJobChanged, this, [&] {
             if (!std::exchange(asked, true)) {
                 m_api->setJobIDs({ idC });
                 m_manager->updateDataFromAPI(false);
@@ -259,8 +259,7 @@ call getSettingsListInfo())"));
     void receiverThatAlwaysAsksDoesNotHoldTheThread()
     {
         m_api->keepJobListCached();
-        connect(m_manager.get(), &JobManager::currentJobChanged, m_manager.get(),
-            [this] { m_manager->updateDataFromAPI(false); });
+        connect(m_manager, &JobManager::currentJobChanged, m_manager, [this] { m_manager->updateDataFromAPI(false); });
         m_manager->updateDataFromAPI(false);
         const int rebuilds = m_api->count(QStringLiteral("getAllJobIDs"));
         QCOMPARE(rebuilds, 2);
@@ -271,14 +270,14 @@ call getSettingsListInfo())"));
     {
         m_api->setJobListCached(true);
         bool asked = false;
-        connect(m_manager.get(), &JobManager::currentJobChanged, this, [&] {
+        connect(m_manager, &JobManager::currentJobChanged, this, [&] {
             if (!std::exchange(asked, true)) {
                 m_manager->updateDataFromAPI(true);
             }
         });
         QList<bool> flags;
-        connect(m_manager.get(), &JobManager::fetchingJobListChanged, this,
-            [&] { flags.append(m_manager->fetchingJobList()); });
+        connect(
+            m_manager, &JobManager::fetchingJobListChanged, this, [&] { flags.append(m_manager->fetchingJobList()); });
         m_manager->updateDataFromAPI(false);
         QVERIFY(m_journal.contains(QStringLiteral("emit fetchJobList()")));
         QCOMPARE(flags, (QList<bool>{ true, false }));
