@@ -49,7 +49,7 @@ int boundSocket(unsigned short port)
 
 } // namespace
 
-RawServer::RawServer() : m_listener(boundSocket(0)), m_otherwise(errorReply(404, "not_scripted"))
+RawServer::RawServer(unsigned short port) : m_listener(boundSocket(port)), m_otherwise(errorReply(404, "not_scripted"))
 {
     m_wakeUp = eventfd(0, EFD_CLOEXEC);
     require(m_wakeUp >= 0);
@@ -78,6 +78,12 @@ void RawServer::replyToAll(RawReply reply)
     const std::lock_guard lock(m_mutex);
     m_replies.clear();
     m_otherwise = std::move(reply);
+}
+
+void RawServer::answerWith(std::function<RawReply(const std::string& request)> answer)
+{
+    const std::lock_guard lock(m_mutex);
+    m_answer = std::move(answer);
 }
 
 void RawServer::stop()
@@ -292,9 +298,14 @@ void RawServer::waitWhileFrozen()
 
 RawReply RawServer::replyTo(const std::string& request)
 {
-    const std::lock_guard lock(m_mutex);
+    std::unique_lock lock(m_mutex);
     m_requests.push_back(request);
     m_changed.notify_all();
+    if (m_answer) {
+        const auto answer = m_answer;
+        lock.unlock();
+        return answer(request);
+    }
     const auto scripted = m_replies.find(routeOf(request));
     return scripted == m_replies.end() ? m_otherwise : scripted->second;
 }

@@ -3,6 +3,7 @@
 #include "tests/client/RawReply.h"
 
 #include <condition_variable>
+#include <functional>
 #include <list>
 #include <map>
 #include <mutex>
@@ -17,8 +18,8 @@ class RawServer
 public:
     static constexpr const char* threadName = "raw-server";
 
-    /// Listens on a free port, and answers every request with 404 until told otherwise.
-    RawServer();
+    /// Listens on the port, 0 for a free one, and answers every request with 404 until told otherwise.
+    explicit RawServer(unsigned short port = 0);
     ~RawServer();
     RawServer(const RawServer&) = delete;
     RawServer& operator=(const RawServer&) = delete;
@@ -29,6 +30,9 @@ public:
     void reply(const std::string& route, RawReply reply);
     /// Answers every request so, whatever reply() said before.
     void replyToAll(RawReply reply);
+
+    /// Has every request answered by the function, whatever was said before. It runs on the connection's thread.
+    void answerWith(std::function<RawReply(const std::string& request)> answer);
 
     /// Refuses connections and closes those there are, as if the process had ended. The port stays ours.
     void stop();
@@ -79,6 +83,7 @@ private:
     bool m_frozen = false;
     RawReply m_otherwise;
     std::map<std::string, RawReply> m_replies;
+    std::function<RawReply(const std::string& request)> m_answer;
     std::vector<std::string> m_requests;
     std::size_t m_bytesSent = 0;
     std::size_t m_accepted = 0;

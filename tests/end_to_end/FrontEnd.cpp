@@ -13,18 +13,24 @@ int roleNamed(const QAbstractItemModel* model, const QByteArray& name)
 } // namespace
 
 FrontEnd::FrontEnd()
+    : m_root(
+        page("import QtQml 2.15\nimport JobManagerUi 1.0\nQtObject { property QtObject manager: JobManager }"))
 {
-    QQmlComponent component(&m_engine);
-    component.setData(
-        "import QtQml 2.15\nimport JobManagerUi 1.0\nQtObject { property QtObject manager: JobManager }", QUrl());
-    m_root.reset(component.create());
     if (m_root)
         m_manager = m_root->property("manager").value<QObject*>();
-    else
-        qWarning().noquote() << component.errorString();
 }
 
 FrontEnd::~FrontEnd() = default;
+
+std::unique_ptr<QObject> FrontEnd::page(const QByteArray& qml, const QVariantMap& properties)
+{
+    QQmlComponent component(&m_engine);
+    component.setData(qml, QUrl());
+    std::unique_ptr<QObject> page(component.createWithInitialProperties(properties));
+    if (!page)
+        qWarning().noquote() << component.errorString();
+    return page;
+}
 
 QAbstractItemModel* FrontEnd::view(const char* property) const
 {

@@ -4,6 +4,7 @@
 #include <QAbstractItemModel>
 #include <QQmlEngine>
 #include <QStringList>
+#include <QVariantMap>
 
 /// A front end as an instrument has it: a QML engine that imports the real module. Knows the module by its
 /// QML names alone and links nothing of ours.
@@ -15,6 +16,10 @@ public:
     ~FrontEnd();
 
     QQmlEngine& engine() { return m_engine; }
+
+    /// A page of the front end: the object of this QML text, with these properties. Null, after a warning, if the text
+    /// is none. To end before the front end does.
+    std::unique_ptr<QObject> page(const QByteArray& qml, const QVariantMap& properties = {});
 
     /// The singleton `JobManager`; null if the module could not be used. Owned by the engine.
     QObject* manager() const { return m_manager; }

@@ -2,6 +2,7 @@
 
 #include "tests/support/HttpRequest.h"
 
+#include <QDateTime>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QtTest>
@@ -104,14 +105,23 @@ void JobServiceClient::writeSetting(const QString& id, const QString& value) con
     send("PUT", QStringLiteral("/settings/") + id, { { QStringLiteral("value"), value } });
 }
 
+void JobServiceClient::setResult(const QString& id, const QString& uiIndex, const QString& status) const
+{
+    sendResult(id, uiIndex, status, QDateTime::currentDateTimeUtc().toString(Qt::ISODateWithMs));
+}
+
 void JobServiceClient::completeJob(const QString& id) const
 {
     const QStringList indexes = indexStrings(document(id));
-    for (const QString& index : indexes) {
-        send("PUT", jobPath(id) + QStringLiteral("/tests/%1/results").arg(index),
-            { { QStringLiteral("status"), QStringLiteral("Pass") },
-                { QStringLiteral("time"), QStringLiteral("2026-05-04T10:20:30+00:00") } });
-    }
+    for (const QString& index : indexes)
+        sendResult(id, index, QStringLiteral("Pass"), QStringLiteral("2026-05-04T10:20:30+00:00"));
+}
+
+void JobServiceClient::sendResult(
+    const QString& id, const QString& uiIndex, const QString& status, const QString& time) const
+{
+    send("PUT", jobPath(id) + QStringLiteral("/tests/%1/results").arg(uiIndex),
+        { { QStringLiteral("status"), status }, { QStringLiteral("time"), time } });
 }
 
 QJsonObject JobServiceClient::get(const QString& path) const

@@ -26,12 +26,15 @@ public:
     void archiveJob(const QString& id) const;
     void setActiveJob(const QString& id) const;
     void writeSetting(const QString& id, const QString& value) const;
+    /// Gives the test or location with this index string a result, of now.
+    void setResult(const QString& id, const QString& uiIndex, const QString& status) const;
     /// Gives every test and location of the job a passing result, which completes its required tests.
     void completeJob(const QString& id) const;
 
 private:
     QJsonObject get(const QString& path) const;
     void send(const QByteArray& method, const QString& path, const QJsonObject& body = {}) const;
+    void sendResult(const QString& id, const QString& uiIndex, const QString& status, const QString& time) const;
     QString jobPath(const QString& id) const;
 
     unsigned short m_port;

@@ -14,9 +14,17 @@ using jobmanager_test::ServiceProcess;
 namespace {
 
 /// What an outage may cost the main thread in all, polling and refreshing together.
-const int heldBound = stretched(200);
+int heldBound()
+{
+    return stretched(200);
+}
+
 /// When the screen has to be right again after the service is.
-const int recoveryBound = stretched(3000);
+int recoveryBound()
+{
+    return stretched(3000);
+}
+
 /// Long enough for a handful of polls.
 const int someSeconds = 3000;
 
@@ -90,7 +98,7 @@ void OutageTest::killedServiceLeavesRowsAndObjects()
     QCOMPARE(resets.count(), 0);
 
     QVERIFY2(m_service->start(), m_service->log().c_str());
-    QVERIFY(resets.wait(recoveryBound));
+    QVERIFY(resets.wait(recoveryBound()));
     QCOMPARE(FrontEnd::ids(frontEnd.jobs()), ids);
     QCOMPARE(frontEnd.job(ids.constFirst()), job.data());
 }
@@ -104,7 +112,7 @@ void OutageTest::killedServiceLosesNoAcknowledgedChange()
     QVERIFY2(m_service->restart(), m_service->log().c_str());
 
     QVERIFY(m_client.jobIds().contains(QStringLiteral("ACKNOWLEDGED")));
-    QTRY_VERIFY_WITH_TIMEOUT(frontEnd.job(QStringLiteral("ACKNOWLEDGED")), recoveryBound);
+    QTRY_VERIFY_WITH_TIMEOUT(frontEnd.job(QStringLiteral("ACKNOWLEDGED")), recoveryBound());
 }
 
 void OutageTest::refusedConnectionsHoldNoScreen()
@@ -117,7 +125,7 @@ void OutageTest::refusedConnectionsHoldNoScreen()
     watch.restart();
     QTest::qWait(someSeconds);
 
-    QVERIFY2(watch.held() <= heldBound, qPrintable(QString::number(watch.held())));
+    QVERIFY2(watch.held() <= heldBound(), qPrintable(QString::number(watch.held())));
 }
 
 void OutageTest::hungServiceHoldsTheMainThreadBriefly()
@@ -130,7 +138,7 @@ void OutageTest::hungServiceHoldsTheMainThreadBriefly()
     watch.restart();
     QTest::qWait(someSeconds);
 
-    QVERIFY2(watch.held() <= heldBound, qPrintable(QString::number(watch.held())));
+    QVERIFY2(watch.held() <= heldBound(), qPrintable(QString::number(watch.held())));
 }
 
 void OutageTest::updateAskedForDuringAHangHoldsTheMainThreadBriefly()
@@ -148,7 +156,7 @@ void OutageTest::updateAskedForDuringAHangHoldsTheMainThreadBriefly()
     QMetaObject::invokeMethod(frontEnd.manager(), "updateDataFromAPI", Q_ARG(bool, true));
     QVERIFY(resets.wait(stretched(10000)));
 
-    QVERIFY2(watch.held() <= heldBound, qPrintable(QString::number(watch.held())));
+    QVERIFY2(watch.held() <= heldBound(), qPrintable(QString::number(watch.held())));
     QCOMPARE(FrontEnd::ids(frontEnd.jobs()), ids);
 }
 
@@ -170,7 +178,7 @@ void OutageTest::hungServiceLeavesRowsSettingsAndObjects()
     QCOMPARE(frontEnd.manager()->property("groupType").toInt(), 2);
 
     m_service->resume();
-    QVERIFY(resets.wait(recoveryBound));
+    QVERIFY(resets.wait(recoveryBound()));
     QCOMPARE(m_client.settings().value(QLatin1String("groupType")).toString(), QStringLiteral("2"));
     QCOMPARE(frontEnd.job(ids.constFirst()), job.data());
 }
@@ -185,7 +193,7 @@ void OutageTest::changeAfterAHangShowsInTime()
     m_service->resume();
     m_client.createJob(QStringLiteral("AFTER-THE-HANG"));
 
-    QTRY_VERIFY_WITH_TIMEOUT(frontEnd.job(QStringLiteral("AFTER-THE-HANG")), recoveryBound);
+    QTRY_VERIFY_WITH_TIMEOUT(frontEnd.job(QStringLiteral("AFTER-THE-HANG")), recoveryBound());
 }
 
 void OutageTest::outageCountsAsAChangeThoughTheServiceSawNone()
@@ -199,7 +207,7 @@ void OutageTest::outageCountsAsAChangeThoughTheServiceSawNone()
 
     // The service moved by nothing, or by one: an outage is a change of its own all the same.
     QSignalSpy updated(frontEnd.manager(), SIGNAL(jobManagerUpdated()));
-    QVERIFY(updated.wait(recoveryBound));
+    QVERIFY(updated.wait(recoveryBound()));
     QCOMPARE(m_client.changeCount(), before);
 }
 
@@ -228,7 +236,7 @@ void OutageTest::rowsComeWhenAServiceHungAtStartGoesOn()
 
     m_service->resume();
 
-    QTRY_COMPARE_WITH_TIMEOUT(FrontEnd::ids(frontEnd.jobs()), ids, recoveryBound + stretched(5000));
+    QTRY_COMPARE_WITH_TIMEOUT(FrontEnd::ids(frontEnd.jobs()), ids, recoveryBound() + stretched(5000));
 }
 
 void OutageTest::rowsComeWhenTheServiceStartsLater()
@@ -240,7 +248,7 @@ void OutageTest::rowsComeWhenTheServiceStartsLater()
 
     QVERIFY2(m_service->start(), m_service->log().c_str());
 
-    QTRY_COMPARE_WITH_TIMEOUT(FrontEnd::ids(frontEnd.jobs()), ids, recoveryBound);
+    QTRY_COMPARE_WITH_TIMEOUT(FrontEnd::ids(frontEnd.jobs()), ids, recoveryBound());
 }
 
 void OutageTest::engineEndsWhileTheServiceHangs()

@@ -16,8 +16,8 @@ TestCase {
     readonly property var jobsPage: window === null ? null : window.jobsPage
     readonly property var page: window === null ? null : window.pages.currentItem
 
-    readonly property int oneSecond: service.stretched(1000)
-    readonly property int aWhile: 10 * oneSecond
+    /// For waits whose length is of no matter.
+    readonly property int aWhile: service.stretched(10000)
 
     when: windowShown
 
@@ -28,6 +28,11 @@ TestCase {
         tryVerify(() => JobManager.currentJob === null, aWhile)
         tryVerify(() => idsOf(JobManager).length === service.jobIds().length, aWhile)
         waitForRendering(window.pages)
+    }
+
+    /// What "within a second" means at the moment.
+    function oneSecond() {
+        return service.stretched(1000)
     }
 
     function cleanup() {

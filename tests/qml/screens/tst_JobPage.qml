@@ -71,7 +71,7 @@ Screen {
         showDetails()
         const before = page.modifiedOn
         service.completeJob("WO-2026-004790")
-        tryVerify(() => textIn(page, "progress") === "Required tests: 3 of 3", oneSecond)
+        tryVerify(() => textIn(page, "progress") === "Required tests: 3 of 3", oneSecond())
         verify(page.modifiedOn > before)
     }
 
@@ -109,7 +109,7 @@ Screen {
         tapJob(jobsPage.requiredList, "ENDS")
         verify(!findChild(page, "goneText").visible)
         service.deleteJob("ENDS")
-        tryVerify(() => page.gone, oneSecond)
+        tryVerify(() => page.gone, aWhile)
         verify(findChild(page, "goneText").visible)
         compare(findChild(page, "goneText").text, "This job is gone: the job service has it no longer.")
         tryVerify(() => page === jobsPage, aWhile)
@@ -132,7 +132,7 @@ Screen {
         const id = page.jobID
         const before = rowItem(list, id).y - list.view.contentY
         service.createJob("MEANWHILE")
-        tryVerify(() => JobTable.rowOf(list.model, "MEANWHILE") === 0, oneSecond)
+        tryVerify(() => JobTable.rowOf(list.model, "MEANWHILE") === 0, aWhile)
         mouseClick(findChild(page.header, "backButton"))
         tryVerify(() => page === jobsPage && !window.pages.busy, aWhile)
         waitForRendering(window.pages)

@@ -176,7 +176,7 @@ Screen {
         const test = testRow(shown[2]).test
         tests.marked = test
         service.setResult("WO-2026-004400", shown[2], "rework")
-        tryVerify(() => testRow(shown[2]).status === "rework", oneSecond)
+        tryVerify(() => testRow(shown[2]).status === "rework", oneSecond())
         const notice = findChild(page, "notice")
         verify(notice.visible)
         compare(notice.text, "New test results")
@@ -213,7 +213,7 @@ Screen {
         const place = topOnScreen(testRow(seen))
         const count = page.tests.count
         service.setResult("WO-2026-004400", first, "pass")
-        tryVerify(() => page.tests.count === count - 1, oneSecond)
+        tryVerify(() => page.tests.count === count - 1, aWhile)
         waitForRendering(window.pages)
         compare(topOnScreen(testRow(seen)), place)
     }
@@ -224,7 +224,7 @@ Screen {
         mouseClick(findChild(page, "filter" + TestList.TESTFILTER_INCOMPLETE))
         showsTests(["2_0", "2_1"])
         service.setResult("WO-2026-004711", "2_0", "pass")
-        tryVerify(() => page.tests.count === 1, oneSecond)
+        tryVerify(() => page.tests.count === 1, aWhile)
         showsTests(["2_1"])
     }
 
@@ -266,7 +266,7 @@ Screen {
         openJob("WO-2026-004533")
         verify(page.tests.count > 0)
         service.deleteJob("WO-2026-004533")
-        tryVerify(() => page.gone, oneSecond)
+        tryVerify(() => page.gone, aWhile)
         compare(page.tests.count, 0)
         compare(page.tests.rowsOnScreen(), [])
         verify(findChild(page, "goneText").visible)

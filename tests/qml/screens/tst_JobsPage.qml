@@ -82,7 +82,7 @@ Screen {
     function test_currentJobStandsAboveTheListsAndInNone() {
         const id = "WO-2026-004711"
         service.setActiveJob(id)
-        tryVerify(() => textIn(jobsPage.currentJobCard, "jobNumber") === id, oneSecond)
+        tryVerify(() => textIn(jobsPage.currentJobCard, "jobNumber") === id, aWhile)
         compare(textIn(jobsPage.currentJobCard, "customer"), "a < b > c & sons – Fibre backbone acceptance")
         compare(JobTable.rowOf(jobsPage.requiredList.model, id), -1)
         compare(JobTable.rowOf(jobsPage.archivedList.model, id), -1)
@@ -95,14 +95,14 @@ Screen {
         compare(textIn(rowItem(list, id), "progress"), "0 of 2 tests")
         list.view.positionViewAtBeginning()
         service.completeJob(id)
-        tryVerify(() => list.view.itemAtIndex(0) !== null && list.view.itemAtIndex(0).jobID === id, oneSecond)
+        tryVerify(() => list.view.itemAtIndex(0) !== null && list.view.itemAtIndex(0).jobID === id, oneSecond())
         compare(textIn(rowItem(list, id), "progress"), "2 of 2 tests")
     }
 
     function test_archivedJobMovesToTheOtherList() {
         makeJob("MOVES")
         service.archiveJob("MOVES")
-        tryVerify(() => JobTable.rowOf(jobsPage.archivedList.model, "MOVES") === 0, oneSecond)
+        tryVerify(() => JobTable.rowOf(jobsPage.archivedList.model, "MOVES") === 0, aWhile)
         compare(JobTable.rowOf(jobsPage.requiredList.model, "MOVES"), -1)
     }
 
@@ -115,7 +115,7 @@ Screen {
         const place = () => rowItem(list, id).y - list.view.contentY
         const before = place()
         service.createJob("ON-TOP")
-        tryVerify(() => JobTable.rowOf(list.model, "ON-TOP") === 0, oneSecond)
+        tryVerify(() => JobTable.rowOf(list.model, "ON-TOP") === 0, aWhile)
         waitForRendering(window.pages)
         compare(place(), before)
         compare(list.selectedId, id)
@@ -135,7 +135,7 @@ Screen {
         list.view.positionViewAtBeginning()
         tryVerify(() => list.view.itemAtIndex(0).jobID === "SHORT-LIVED", aWhile)
         service.deleteJob("SHORT-LIVED")
-        tryVerify(() => JobTable.rowOf(list.model, "SHORT-LIVED") === -1, oneSecond)
+        tryVerify(() => JobTable.rowOf(list.model, "SHORT-LIVED") === -1, aWhile)
         waitForRendering(window.pages)
         verify(list.view.itemAtIndex(0).jobID !== "SHORT-LIVED")
     }

@@ -85,7 +85,7 @@ Screen {
         waitForRendering(window.pages)
         const shown = shownTests()
         service.setResult(page.jobID, shown[2], "rework")
-        tryVerify(() => testRow(shown[2]).status === "rework", oneSecond)
+        tryVerify(() => testRow(shown[2]).status === "rework", aWhile)
         compare(page.tests.flickable.contentY, 100000)
         compare(shownTests(), shown)
     }

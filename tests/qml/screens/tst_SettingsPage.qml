@@ -21,7 +21,7 @@ Screen {
         service.createJob("WHILE-PAUSED")
         mouseClick(findChild(page, "liveButton"))
         verify(!JobManager.pauseAutomaticUpdates)
-        tryVerify(() => idsOf(JobManager).includes("WHILE-PAUSED"), oneSecond)
+        tryVerify(() => idsOf(JobManager).includes("WHILE-PAUSED"), aWhile)
     }
 
     function test_refreshLooksForChangesWhilePaused() {

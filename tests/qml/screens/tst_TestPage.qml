@@ -64,7 +64,7 @@ Screen {
         tapTest(uiIndex)
         const test = page.test
         service.setResult("WO-2026-004730", uiIndex, "rework")
-        tryVerify(() => textIn(page, "status") === "rework", oneSecond)
+        tryVerify(() => textIn(page, "status") === "rework", oneSecond())
         const notice = findChild(page, "notice")
         verify(notice.visible)
         compare(notice.text, "New test results")
@@ -82,7 +82,7 @@ Screen {
         const place = jobPage.tests.flickable.contentY
         verify(place > 0)
         service.setResult("WO-2026-004400", "200_0", "rework")
-        tryVerify(() => textIn(page, "status") === "rework", oneSecond)
+        tryVerify(() => textIn(page, "status") === "rework", aWhile)
         mouseClick(findChild(page.header, "backButton"))
         tryVerify(() => page === jobPage && !window.pages.busy, aWhile)
         compare(page.tests.flickable.contentY, place)
@@ -92,7 +92,7 @@ Screen {
         openJob("WO-2026-004548")
         tapTest("0_0")
         service.deleteJob("WO-2026-004548")
-        tryVerify(() => page.gone, oneSecond)
+        tryVerify(() => page.gone, aWhile)
         verify(findChild(page, "goneText").visible)
         compare(findChild(page, "goneText").text, "This test is gone: its job has it no longer.")
         tryVerify(() => page === jobsPage, aWhile)
