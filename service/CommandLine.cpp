@@ -2,6 +2,9 @@
 
 #include <algorithm>
 #include <charconv>
+#include <chrono>
+#include <cstdint>
+#include <limits>
 
 namespace job_service {
 
@@ -53,6 +56,39 @@ GenerateSize parseGenerate(const std::string& text)
     return size;
 }
 
+/// Seconds, with or without a fraction, up to a day.
+std::chrono::milliseconds parseSeconds(const std::string& name, const std::string& text)
+{
+    double seconds = -1;
+    const char* end = text.data() + text.size();
+    const auto [stopped, error] = std::from_chars(text.data(), end, seconds);
+    if (error != std::errc() || stopped != end || !(seconds >= 0 && seconds <= 86400))
+        throw UsageError(name + " takes seconds from 0 to 86400, not \"" + text + "\"");
+    return std::chrono::milliseconds(static_cast<long long>(seconds * 1000));
+}
+
+std::uint32_t parseSeed(const std::string& text)
+{
+    const std::optional<std::size_t> seed = number(text, std::numeric_limits<std::uint32_t>::max());
+    if (!seed)
+        throw UsageError("--seed takes a number from 0 to 4294967295, not \"" + text + "\"");
+    return static_cast<std::uint32_t>(*seed);
+}
+
+/// Takes an option that tells how tests are run. Returns false if it is none.
+template <typename Value> bool takeTestOption(const std::string& name, Value value, TestOptions& options)
+{
+    if (name == "--start-seconds")
+        options.simulation.startDuration = parseSeconds(name, value());
+    else if (name == "--run-seconds")
+        options.simulation.runDuration = parseSeconds(name, value());
+    else if (name == "--seed")
+        options.simulation.seed = parseSeed(value());
+    else
+        return false;
+    return true;
+}
+
 } // namespace
 
 CommandLine parseCommandLine(const std::vector<std::string>& arguments)
@@ -96,7 +132,7 @@ CommandLine parseCommandLine(const std::vector<std::string>& arguments)
             line.techId = value();
         else if (name == "--attribute-rules")
             line.attributeRules = path();
-        else
+        else if (!takeTestOption(name, value, line.tests))
             throw UsageError("there is no option \"" + arguments[i] + "\"");
     }
     return line;
@@ -116,6 +152,9 @@ const char* usageText()
            "  --tech-id ID               technician of the login configuration\n"
            "  --attribute-rules FILE     refuse, normalise or delay writes of chosen attributes, to try clients\n"
            "                             out (docs/job-service-api.md)\n"
+           "  --start-seconds S          how long a simulated test takes to start (default 0.5)\n"
+           "  --run-seconds S            how long a simulated test runs (default 3)\n"
+           "  --seed N                   decides what simulated tests come to (default 0)\n"
            "  --help                     this text\n"
            "  --version                  the version\n"
            "\n"

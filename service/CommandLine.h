@@ -1,5 +1,7 @@
 #pragma once
 
+#include "service/SimulatedBench.h"
+
 #include <cstddef>
 #include <filesystem>
 #include <optional>
@@ -16,6 +18,12 @@ struct GenerateSize
     std::size_t tests = 0;
 };
 
+/// How tests are run.
+struct TestOptions
+{
+    SimulatedBench::Settings simulation;
+};
+
 /// What the command line asks for.
 struct CommandLine
 {
@@ -29,6 +37,7 @@ struct CommandLine
     std::string techId;
     /// Empty for no rules.
     std::filesystem::path attributeRules;
+    TestOptions tests;
 };
 
 /// The command line makes no sense.

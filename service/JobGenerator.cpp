@@ -1,12 +1,13 @@
 #include "service/JobGenerator.h"
 
 #include "api/cdm/JsonText.h"
+#include "service/Dice.h"
 #include "service/JobDocument.h"
 #include "service/UtcTime.h"
 
 #include <array>
+#include <cstdint>
 #include <cstdio>
-#include <random>
 
 namespace job_service {
 
@@ -42,20 +43,6 @@ constexpr std::array<const char*, 4> states{ "assigned", "accepted", "inProgress
 constexpr std::array<const char*, 6> technicians{ "t-0107", "t-0112", "t-0131", "t-0140", "t-0166", "t-0201" };
 constexpr std::array<const char*, 6> sites{ "Central office", "Street cabinet 14", "Splitter 3B", "Riser, floor 2",
     "Customer premises", "Manhole 77" };
-
-/// Random numbers that are the same everywhere; the standard's distributions are not.
-class Dice
-{
-public:
-    explicit Dice(std::size_t seed) : m_engine(static_cast<std::mt19937::result_type>(20260301 + seed)) { }
-
-    std::size_t below(std::size_t bound) { return m_engine() % bound; }
-    bool oneIn(std::size_t bound) { return below(bound) == 0; }
-    template <typename List> auto pick(const List& list) { return list[below(list.size())]; }
-
-private:
-    std::mt19937 m_engine;
-};
 
 /// 37 minutes from job to job, in a past that does not move.
 std::string timeOf(std::size_t number, std::size_t minutesLater)
@@ -125,7 +112,7 @@ json generatedTest(Dice& dice, std::size_t number, std::size_t index, std::size_
 
 json generatedJob(std::size_t number, std::size_t tests)
 {
-    Dice dice(number);
+    Dice dice(static_cast<std::uint32_t>(20260301 + number));
     constexpr std::array<std::size_t, 4> progress{ 0, 0, 50, 100 };
     const std::size_t percentDone = dice.pick(progress);
     const char* technician = dice.pick(technicians);

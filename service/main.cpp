@@ -9,14 +9,19 @@
 #include "service/Log.h"
 #include "service/Router.h"
 #include "service/ServiceVersion.h"
+#include "service/SimulatedBench.h"
 #include "service/SqliteError.h"
 #include "service/StoreFile.h"
+#include "service/TestApi.h"
+#include "service/TestRunner.h"
 
 #include <csignal>
 #include <cstdio>
 #include <exception>
+#include <initializer_list>
 #include <sys/stat.h>
 #include <thread>
+#include <vector>
 
 using namespace job_service;
 
@@ -76,6 +81,14 @@ void fill(JobStore& store, const CommandLine& line, const EndSignals& endSignals
     }
 }
 
+std::vector<Route> joined(std::initializer_list<std::vector<Route>> tables)
+{
+    std::vector<Route> routes;
+    for (const std::vector<Route>& table : tables)
+        routes.insert(routes.end(), table.begin(), table.end());
+    return routes;
+}
+
 void serve(const CommandLine& line)
 {
     ignoreHarmlessSignals();
@@ -88,15 +101,19 @@ void serve(const CommandLine& line)
     JobStore store(folder.path());
     fill(store, line, endSignals);
 
-    JobApi api(store, line.techId, std::move(rules));
-    const Router router(api.routes(), server.port());
+    SimulatedBench bench(line.tests.simulation);
+    TestRunner runner(store, bench);
+    JobApi jobApi(store, line.techId, std::move(rules));
+    TestApi testApi(runner);
+    const Router router(joined({ jobApi.routes(), testApi.routes() }), server.port());
     server.listen([&router](const HttpHead& head) { return router.decide(head); });
     std::thread serving([&server] { server.run(); });
     std::printf("job-service: listening on 127.0.0.1:%u\n", static_cast<unsigned>(server.port()));
     std::fflush(stdout);
 
     endSignals.wait();
-    api.stop();
+    jobApi.stop();
+    runner.stop();
     server.stop();
     serving.join();
 }

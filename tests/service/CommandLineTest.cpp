@@ -24,7 +24,8 @@ TEST(CommandLineTest, withoutArgumentsTheDefaultsHold)
 TEST(CommandLineTest, everyOptionIsRead)
 {
     const CommandLine line = parseCommandLine({ "--port", "0", "--data", "/d", "--load", "a", "--load=b", "--generate",
-        "jobs=1000,tests=50", "--tech-id=t=1", "--attribute-rules", "r.json", "--help", "--version" });
+        "jobs=1000,tests=50", "--tech-id=t=1", "--attribute-rules", "r.json", "--start-seconds", "0.25",
+        "--run-seconds=86400", "--seed=4294967295", "--help", "--version" });
     EXPECT_EQ(line.port, 0);
     EXPECT_EQ(line.data, "/d");
     EXPECT_EQ(line.load, (std::vector<std::filesystem::path>{ "a", "b" }));
@@ -32,6 +33,9 @@ TEST(CommandLineTest, everyOptionIsRead)
     EXPECT_EQ(line.generate->tests, 50u);
     EXPECT_EQ(line.techId, "t=1");
     EXPECT_EQ(line.attributeRules, "r.json");
+    EXPECT_EQ(line.tests.simulation.startDuration, std::chrono::milliseconds(250));
+    EXPECT_EQ(line.tests.simulation.runDuration, std::chrono::hours(24));
+    EXPECT_EQ(line.tests.simulation.seed, 4294967295u);
     EXPECT_TRUE(line.help);
     EXPECT_TRUE(line.version);
 }
@@ -56,13 +60,15 @@ INSTANTIATE_TEST_SUITE_P(Lines, BadArguments,
         Arguments{ "--data=" }, Arguments{ "--data", "" }, Arguments{ "--load=" }, Arguments{ "--attribute-rules=" },
         Arguments{ "--help=yes" }, Arguments{ "--generate", "jobs" }, Arguments{ "--generate", "jobs=" },
         Arguments{ "--generate", "jobs=1,tests=-1" }, Arguments{ "--generate", "rows=1" },
-        Arguments{ "--generate", "jobs=1000001" }));
+        Arguments{ "--generate", "jobs=1000001" }, Arguments{ "--seed", "-1" }, Arguments{ "--seed", "4294967296" },
+        Arguments{ "--seed=" }, Arguments{ "--run-seconds", "-0.1" }, Arguments{ "--run-seconds", "86400.5" },
+        Arguments{ "--run-seconds", "nan" }, Arguments{ "--run-seconds", "1s" }, Arguments{ "--start-seconds=" }));
 
 TEST(CommandLineTest, theUsageNamesEveryOption)
 {
     const std::string usage = usageText();
-    for (const char* option :
-        { "--port", "--data", "--load", "--generate", "--tech-id", "--attribute-rules", "--help", "--version" })
+    for (const char* option : { "--port", "--data", "--load", "--generate", "--tech-id", "--attribute-rules",
+             "--start-seconds", "--run-seconds", "--seed", "--help", "--version" })
         EXPECT_NE(usage.find(option), std::string::npos) << option;
 }
 

@@ -286,7 +286,7 @@ TEST_F(JobApiTest, theGroupTypeIsNoSettingAndRenumbersNothing)
 
 TEST_F(JobApiTest, whatIsNotServedIsNotFound)
 {
-    for (const char* path : { "/nothing", "/templates", "/launches", "/jobs/a/b", "" }) {
+    for (const char* path : { "/nothing", "/templates", "/jobs/a/b", "" }) {
         expectRefused(404, "not_found", "GET", path);
         expectRefused(404, "not_found", "POST", path, "{}");
     }

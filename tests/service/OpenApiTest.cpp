@@ -2,6 +2,8 @@
 // the service against the file.
 
 #include "service/JobApi.h"
+#include "service/SimulatedBench.h"
+#include "service/TestApi.h"
 #include "tests/service/TemporaryFolder.h"
 #include "tests/support/HttpRequest.h"
 #include "tests/support/ServiceProcess.h"
@@ -234,9 +236,13 @@ TEST_F(OpenApiTest, everyRouteOfTheServiceIsDescribedAndNoOther)
         described.insert(operation.method + " " + operation.path);
     jobmanager_test::TemporaryFolder folder;
     job_service::JobStore store(folder.path());
+    job_service::SimulatedBench bench({});
+    job_service::TestRunner runner(store, bench);
     std::set<std::string> served;
-    for (const job_service::Route& route : job_service::JobApi(store, "").routes())
-        served.insert(route.method + " " + route.pattern);
+    for (const auto& routes : { job_service::JobApi(store, "").routes(), job_service::TestApi(runner).routes() }) {
+        for (const job_service::Route& route : routes)
+            served.insert(route.method + " " + route.pattern);
+    }
     EXPECT_EQ(served, described);
 }
 

@@ -1,13 +1,10 @@
 // The service as a process: how it starts, ends, and what survives.
 
+#include "tests/service/ServiceFixture.h"
 #include "tests/service/TemporaryFolder.h"
 #include "tests/support/Connection.h"
-#include "tests/support/Deadline.h"
-#include "tests/support/ServiceProcess.h"
 
 #include <atomic>
-#include <gtest/gtest.h>
-#include <nlohmann/json.hpp>
 #include <random>
 #include <sys/resource.h>
 #include <thread>
@@ -22,27 +19,14 @@ using nlohmann::json;
 
 namespace {
 
-class ServiceLifeTest : public testing::Test
+class ServiceLifeTest : public jobmanager_test::ServiceFixture
 {
 protected:
-    ServiceProcess m_service;
-
     void start(std::vector<std::string> arguments = {})
     {
         m_service.setArguments(std::move(arguments));
         ASSERT_TRUE(m_service.start()) << m_service.log();
     }
-    HttpReply call(const std::string& method, const std::string& path, const std::string& body = {})
-    {
-        return httpRequest(m_service.port(), method, "/api/v1" + path, body);
-    }
-    json get(const std::string& path)
-    {
-        const HttpReply reply = call("GET", path);
-        EXPECT_EQ(reply.status, 200) << path << ' ' << reply.body;
-        return reply.status == 200 ? json::parse(reply.body) : json();
-    }
-    int changeCount() { return get("/change-count").at("changeCount"); }
     std::size_t numberOfJobs() { return get("/jobs").at("jobs").size(); }
 };
 
