@@ -39,8 +39,12 @@ void Job::updateDataFromAPI()
                          << ": updating job: " << m_jobID;
     readSummary();
     m_tests.markAsUpdateRequired();
+    dropProperties();
     // Whether a fetch is under way stays as it is: an update that lands meanwhile must not start a second one.
     m_backgroundFetchRequired = !m_api->isJobInCache(m_jobID);
+    // Counted anew with the map, and told then.
+    m_totalNumberOfRequiredAttributes = 0;
+    m_numberOfIncompleteRequiredAttributes = 0;
     emitUpdateSignals();
 }
 

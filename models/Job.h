@@ -1,19 +1,23 @@
 #pragma once
 
 #include "api/JobManagerAPIAbstraction.h"
+#include "models/OptionalPropertyMap.h"
 #include "models/TestList.h"
 
 #include <memory>
+#include <QHash>
 #include <QObject>
 #include <QString>
 #include <QStringList>
+#include <QVariantMap>
+#include <vector>
 
 namespace jobmanager_ui {
 
 class JobManagerWorker;
 
 /// What QML sees of one job: a snapshot of the job's summary, so that bindings never touch the data interface, and
-/// its tests, which are there once the job's full data is.
+/// its tests and optional properties, which are there once the job's full data is.
 ///
 /// The first read of a lazy member after an update that did not find the job in the cache has the worker fetch it,
 /// once however many bindings ask, and answers empty. When the job has come, the members' signals go out again and
@@ -35,10 +39,22 @@ class Job : public QObject
     Q_PROPERTY(int numberOfCompletedRequiredTests READ numberOfCompletedRequiredTests NOTIFY
             numberOfCompletedRequiredTestsChanged)
     Q_PROPERTY(QAbstractListModel* tests READ tests NOTIFY testsChanged)
+    Q_PROPERTY(QQmlPropertyMap* optionalProperties READ optionalProperties NOTIFY optionalPropertiesChanged)
     Q_PROPERTY(QString managedBy READ managedBy NOTIFY managedByChanged)
     Q_PROPERTY(QString state READ state NOTIFY stateChanged)
+    Q_PROPERTY(int totalNumberOfRequiredAttributes READ getTotalNumberOfRequiredAttributes NOTIFY
+            totalNumberOfRequiredAttributesChanged)
+    Q_PROPERTY(int numberOfIncompleteRequiredAttributes READ getNumberOfIncompleteRequiredAttributes NOTIFY
+            numberOfIncompleteRequiredAttributesChanged)
     Q_PROPERTY(bool fetchInProgress READ fetchInProgress NOTIFY fetchInProgressChanged)
     Q_PROPERTY(QStringList teamTechIds READ teamTechIds NOTIFY teamTechIdsChanged)
+    Q_PROPERTY(QStringList allDisplayableJobProperties READ allDisplayableJobProperties NOTIFY
+            allDisplayableJobPropertiesChanged)
+    Q_PROPERTY(QVariantMap jobPropertyDisplayInfos READ jobPropertyDisplayInfos NOTIFY jobPropertyDisplayInfosChanged)
+    Q_PROPERTY(QStringList allDisplayableTestProperties READ allDisplayableTestProperties NOTIFY
+            allDisplayableTestPropertiesChanged)
+    Q_PROPERTY(
+        QVariantMap testPropertyDisplayInfos READ testPropertyDisplayInfos NOTIFY testPropertyDisplayInfosChanged)
 
 public:
     /// A job whose summary is read from `api` before the constructor returns. A job that `api` does not know
@@ -78,6 +94,36 @@ public:
 
     /// Lazy: the job's tests, brought up to date; null while isBackgroundFetchCompleted is false. Owned by the job.
     QAbstractListModel* tests();
+    /// Lazy: the job's optional properties by name, those that are not visible included; null while
+    /// isBackgroundFetchCompleted is false. Built by the first read after an update, which counts the required
+    /// attributes on the way and emits totalNumberOfRequiredAttributesChanged and
+    /// numberOfIncompleteRequiredAttributesChanged once a name. Owned by the job, and dropped by its next update.
+    ///
+    /// What QML writes goes to the data interface at once: see onPropertyValueChanged.
+    QQmlPropertyMap* optionalProperties();
+    /// Lazy: how many optional properties are both editable and visible. Builds optionalProperties.
+    int getTotalNumberOfRequiredAttributes();
+    /// Lazy: how many of these were empty as text when optionalProperties was built: edits are not counted before the
+    /// next update. Builds optionalProperties.
+    int getNumberOfIncompleteRequiredAttributes();
+
+    /// Lazy: the rows that the job's form has, in order: the number, customer and type if the job has them, then the
+    /// visible optional properties by their orderIndex. A name that the data interface gives twice stands there twice.
+    QStringList allDisplayableJobProperties();
+    /// Lazy: how each of allDisplayableJobProperties is shown, by name: see propertyDisplayInfoToVariantMap.
+    QVariantMap jobPropertyDisplayInfos();
+    /// Lazy: the names of the optional properties of all tests, and "configuration", in no order and those that are
+    /// not visible included. Built once in the life of the job: no update changes them.
+    QStringList allDisplayableTestProperties();
+    /// Lazy: how each of allDisplayableTestProperties is shown, by name, as the first test that has it says.
+    QVariantMap testPropertyDisplayInfos();
+
+    /// Writes the property through the data interface, in this thread. A value that it refuses is replaced in the map
+    /// by the one that it holds, and optionalPropertiesChanged is emitted; the counts of required attributes stay. In
+    /// any case emits optionalPropertyValueChanged at the end: whether the interface now holds an equal value. One that
+    /// it took and altered is thus not accepted, and yet the map keeps what was typed.
+    void onPropertyValueChanged(const QString& propertyName, const QVariant& value);
+
     /// Whether a fetch of the job's full data is under way. Not lazy: reading it starts no fetch.
     bool fetchInProgress() const { return m_fetchInProgress; }
 
@@ -153,14 +199,24 @@ Q_SIGNALS:
     void teamTechIdsChanged();
     /// A test of the job has a result that it did not have before.
     void newTestResultsReceived();
-    /// A property was written: whether the value was accepted.
+    /// A property was written: whether the data interface now holds this value.
     void optionalPropertyValueChanged(bool valueAccepted);
     /// Asks the worker for the job's full data.
     void fetchJob(QString jobID);
 
 private:
     void readSummary();
+    void dropProperties();
     void emitUpdateSignals();
+
+    void buildOptionalProperties();
+    void countRequiredAttribute(const QString& value);
+    void showStoredValue(const QString& propertyName);
+    void createJobPropertyDisplayInfos();
+    std::vector<PropertyDisplayInfo> fixedRows() const;
+    std::vector<PropertyDisplayInfo> optionalRows() const;
+    void createTestPropertyDisplayInfos();
+    QHash<QString, PropertyDisplayInfo> displayInfosOfTests() const;
 
     std::shared_ptr<JobManagerAPIAbstraction> m_api;
     QString m_jobID;
@@ -176,6 +232,13 @@ private:
     QString m_state;
     QStringList m_teamTechIds;
     TestList m_tests;
+    OptionalPropertyMapPointer m_optionalProperties;
+    QStringList m_allDisplayableJobProperties;
+    QVariantMap m_jobPropertyDisplayInfos;
+    QStringList m_allDisplayableTestProperties;
+    QVariantMap m_testPropertyDisplayInfos;
+    int m_totalNumberOfRequiredAttributes = 0;
+    int m_numberOfIncompleteRequiredAttributes = 0;
     JobManagerWorker* m_worker = nullptr;
     bool m_backgroundFetchRequired = true;
     bool m_fetchInProgress = false;

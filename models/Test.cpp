@@ -1,6 +1,9 @@
 #include "models/Test.h"
 
+#include "api/Logging.h"
+
 #include <QFileInfo>
+#include <QPointer>
 #include <QQmlEngine>
 #include <utility>
 
@@ -77,6 +80,38 @@ QVariantMap Test::testConfigurationMap() const
     return m_api->getManualTestConfiguration(m_jobID, m_testID);
 }
 
+QQmlPropertyMap* Test::optionalProperties()
+{
+    if (m_optionalProperties != nullptr) {
+        return m_optionalProperties.get();
+    }
+    m_optionalProperties.reset(new OptionalPropertyMap(this));
+    const std::vector<QString> names = m_api->getAllOptionalTestProperties(m_jobID, m_testID);
+    for (const QString& name : names) {
+        m_optionalProperties->show(name, m_api->getOptionalTestProperty(m_jobID, m_testID, name));
+    }
+    connect(m_optionalProperties.get(), &QQmlPropertyMap::valueChanged, this, &Test::onPropertyValueChanged);
+    return m_optionalProperties.get();
+}
+
+void Test::onPropertyValueChanged(const QString& propertyName, const QVariant& value)
+{
+    qCDebug(logCategory) << "Updating test property via API: " << propertyName;
+    if (m_api->setOptionalTestProperty(m_jobID, m_testID, propertyName, value)) {
+        return;
+    }
+    qCDebug(logCategory) << "Failed to set test property " << propertyName << " to value: " << value;
+    const QVariant stored = m_api->getOptionalTestProperty(m_jobID, m_testID, propertyName);
+    // A receiver of the map's signal may bring about an update that ends the test.
+    const QPointer<Test> self(this);
+    if (m_optionalProperties != nullptr) {
+        m_optionalProperties->show(propertyName, stored);
+    }
+    if (!self.isNull()) {
+        Q_EMIT optionalPropertiesChanged();
+    }
+}
+
 void Test::setErrorMessage(QString errorMessage)
 {
     if (errorMessage == m_errorMessage) {
@@ -99,6 +134,7 @@ void Test::updateDataFromAPI()
 {
     const QDateTime oldTime = m_testTime;
     readSnapshot();
+    m_optionalProperties.reset();
     if (m_testTime != oldTime) {
         m_errorMessage.clear();
         m_errorSeverity = 0;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "api/JobManagerAPIAbstraction.h"
+#include "models/OptionalPropertyMap.h"
 
 #include <memory>
 #include <QDateTime>
@@ -34,6 +35,7 @@ class Test : public QObject
     Q_PROPERTY(QDateTime testTime READ testTime NOTIFY testTimeChanged)
     Q_PROPERTY(jobmanager_ui::TestRequirement::Enum testRequired READ testRequired NOTIFY testRequiredChanged)
     Q_PROPERTY(QStringList configuration READ configuration NOTIFY configurationChanged)
+    Q_PROPERTY(QQmlPropertyMap* optionalProperties READ optionalProperties NOTIFY optionalPropertiesChanged)
     Q_PROPERTY(QString errorMessage READ errorMessage WRITE setErrorMessage NOTIFY errorMessageChanged)
     Q_PROPERTY(int errorSeverity READ errorSeverity NOTIFY errorSeverityChanged)
     Q_PROPERTY(QString guideFilepath READ guideFilepath NOTIFY guideFilepathChanged)
@@ -69,6 +71,10 @@ public:
     TestRequirement::Enum testRequired() const { return m_testRequired; }
     /// The configuration lines. Read anew on each call.
     QStringList configuration() const;
+    /// The test's optional properties by name; never null. Built by the first read after an update, and dropped by
+    /// the next one. Owned by the test. What QML writes goes to the data interface at once: see
+    /// onPropertyValueChanged.
+    QQmlPropertyMap* optionalProperties();
     /// What the last launch failed with, empty if it did not.
     QString errorMessage() const { return m_errorMessage; }
     /// How severe errorMessage is, 0 without one.
@@ -97,8 +103,14 @@ public:
     /// again. Emits manualStepUserResponseChanged only if the interface accepts; a refusal reports nothing.
     void setManualStepUserResponse(const QString& response);
 
-    /// Takes the snapshot anew and emits all signals, each whether or not its value changed, in the order of their
-    /// declaration. The error of the last launch is dropped if the test has got another time, and kept otherwise.
+    /// Writes the property through the data interface, in this thread. Says nothing if it is accepted, and leaves
+    /// the map as it is. A value that it refuses is replaced in the map by the one that it holds, and
+    /// optionalPropertiesChanged is emitted.
+    void onPropertyValueChanged(const QString& propertyName, const QVariant& value);
+
+    /// Takes the snapshot anew, drops optionalProperties and emits all signals, each whether or not its value changed,
+    /// in the order of their declaration. The error of the last launch is dropped if the test has got another time, and
+    /// kept otherwise.
     void updateDataFromAPI();
 
 Q_SIGNALS:
@@ -143,6 +155,7 @@ private:
     QDateTime m_testTime;
     int m_errorSeverity = 0;
     TestRequirement::Enum m_testRequired = TestRequirement::TEST_UNDEFINED;
+    OptionalPropertyMapPointer m_optionalProperties;
     QString m_errorMessage;
     QString m_location;
     int m_numberOfTestLocations = 0;

@@ -130,10 +130,17 @@ bool isArchived isArchivedChanged writable
 int totalNumberOfRequiredTests totalNumberOfRequiredTestsChanged
 int numberOfCompletedRequiredTests numberOfCompletedRequiredTestsChanged
 QAbstractListModel* tests testsChanged
+QQmlPropertyMap* optionalProperties optionalPropertiesChanged
 QString managedBy managedByChanged
 QString state stateChanged
+int totalNumberOfRequiredAttributes totalNumberOfRequiredAttributesChanged
+int numberOfIncompleteRequiredAttributes numberOfIncompleteRequiredAttributesChanged
 bool fetchInProgress fetchInProgressChanged
-QStringList teamTechIds teamTechIdsChanged)"));
+QStringList teamTechIds teamTechIdsChanged
+QStringList allDisplayableJobProperties allDisplayableJobPropertiesChanged
+QVariantMap jobPropertyDisplayInfos jobPropertyDisplayInfosChanged
+QStringList allDisplayableTestProperties allDisplayableTestPropertiesChanged
+QVariantMap testPropertyDisplayInfos testPropertyDisplayInfosChanged)"));
     }
 
     void signalsAndInvokablesStandInOrder()

@@ -139,6 +139,7 @@ QString testStatus testStatusChanged
 QDateTime testTime testTimeChanged
 jobmanager_ui::TestRequirement::Enum testRequired testRequiredChanged
 QStringList configuration configurationChanged
+QQmlPropertyMap* optionalProperties optionalPropertiesChanged
 QString errorMessage errorMessageChanged writable
 int errorSeverity errorSeverityChanged
 QString guideFilepath guideFilepathChanged

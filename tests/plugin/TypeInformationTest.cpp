@@ -148,12 +148,10 @@ private Q_SLOTS:
         };
         row("Job", "property",
             "jobNumber workOrderLabel customerName typeName isArchived totalNumberOfRequiredTests "
-            "numberOfCompletedRequiredTests tests managedBy state fetchInProgress teamTechIds");
-        row("Job", "signal",
-            "isArchivedChanged totalNumberOfRequiredAttributesChanged numberOfIncompleteRequiredAttributesChanged "
-            "optionalPropertiesChanged allDisplayableJobPropertiesChanged jobPropertyDisplayInfosChanged "
-            "allDisplayableTestPropertiesChanged testPropertyDisplayInfosChanged newTestResultsReceived "
-            "optionalPropertyValueChanged fetchJob");
+            "numberOfCompletedRequiredTests tests optionalProperties managedBy state totalNumberOfRequiredAttributes "
+            "numberOfIncompleteRequiredAttributes fetchInProgress teamTechIds allDisplayableJobProperties "
+            "jobPropertyDisplayInfos allDisplayableTestProperties testPropertyDisplayInfos");
+        row("Job", "signal", "isArchivedChanged newTestResultsReceived optionalPropertyValueChanged fetchJob");
         row("Job", "method",
             "updateDataFromAPI getTestNamebyTestIndex getTestDescriptionByTestIndex getTestSiteByTestIndex "
             "getTestTypeByTestIndex testLocationsNumberByIndex countTestsByDisplayName "
@@ -161,9 +159,10 @@ private Q_SLOTS:
         row("Job", "enum", "");
         row("Test", "property",
             "testIndex locationIndex testType testTypeDisplayName description site testStatus testTime testRequired "
-            "configuration errorMessage errorSeverity guideFilepath hasGuide location numberOfTestLocations "
+            "configuration optionalProperties errorMessage errorSeverity guideFilepath hasGuide location "
+            "numberOfTestLocations "
             "manualStepUserResponse testConfigurationMap");
-        row("Test", "signal", "optionalPropertiesChanged");
+        row("Test", "signal", "");
         row("Test", "method", "setErrorMessage setErrorSeverity");
         row("Test", "enum", "");
         row("TestList", "property", "testsCount sectionsCount sections searchRegExpStr testFilter");

@@ -41,6 +41,24 @@ void RecordingApi::setAnswer(const QString& operation, const QVariant& value)
     m_answers[operation] = value;
 }
 
+void RecordingApi::setDisplayInfo(const PropertyDisplayInfo& info)
+{
+    const std::lock_guard lock(m_mutex);
+    m_displayInfos[info.propName] = info;
+}
+
+PropertyDisplayInfo RecordingApi::displayInfo(const QString& propName) const
+{
+    const std::lock_guard lock(m_mutex);
+    const auto found = m_displayInfos.find(propName);
+    if (found != m_displayInfos.end()) {
+        return found->second;
+    }
+    PropertyDisplayInfo info;
+    info.propName = propName;
+    return info;
+}
+
 void RecordingApi::setJob(const QString& jobID, const JobSummary& summary)
 {
     const auto set = [&](const char* operation, const QVariant& value) {
@@ -320,10 +338,8 @@ std::vector<QString> RecordingApi::getAllOptionalJobProperties(QString jobID)
 
 PropertyDisplayInfo RecordingApi::getOptionalJobPropertyDisplayInfo(QString jobID, const QString& propName)
 {
-    PropertyDisplayInfo info;
-    info.propName = propName;
-    info.label = call("getOptionalJobPropertyDisplayInfo", { jobID, propName }).toString();
-    return info;
+    call("getOptionalJobPropertyDisplayInfo", { jobID, propName });
+    return displayInfo(propName);
 }
 
 QVariant RecordingApi::getOptionalJobProperty(QString jobID, const QString& propName)
@@ -424,10 +440,8 @@ std::vector<QString> RecordingApi::getAllOptionalTestProperties(QString jobID, l
 PropertyDisplayInfo RecordingApi::getOptionalTestPropertyDisplayInfo(
     QString jobID, long long testID, const QString& propName)
 {
-    PropertyDisplayInfo info;
-    info.propName = propName;
-    info.label = call("getOptionalTestPropertyDisplayInfo", { jobID, testID, propName }).toString();
-    return info;
+    call("getOptionalTestPropertyDisplayInfo", { jobID, testID, propName });
+    return displayInfo(propName);
 }
 
 QVariant RecordingApi::getOptionalTestProperty(QString jobID, long long testID, const QString& propName)

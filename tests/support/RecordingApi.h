@@ -46,6 +46,8 @@ public:
     /// Answers each call of the operation with `value`. The operation is a name, or, more strongly, a call with its
     /// arguments: `getJobNumber("7")`.
     void setAnswer(const QString& operation, const QVariant& value);
+    /// Answers both kinds of display info of that property with `info`, under its own name.
+    void setDisplayInfo(const jobmanager_ui::PropertyDisplayInfo& info);
     /// Adds the job at the end of the list, or replaces its summary. Its number is its id.
     void setJob(const QString& jobID, const JobSummary& summary = {});
     /// Takes the job out of the list.
@@ -143,6 +145,8 @@ public:
 private:
     /// Records the call, waits inside it if it is held, and gives its scripted answer, invalid if there is none.
     QVariant call(const char* operation, const QVariantList& arguments = {}) const;
+    /// The display info of that property: the scripted one, or a default one with its name.
+    jobmanager_ui::PropertyDisplayInfo displayInfo(const QString& propName) const;
     std::vector<QString> texts(const QVariant& answer) const;
     std::vector<long long> numbers(const QVariant& answer) const;
 
@@ -153,6 +157,7 @@ private:
     mutable std::mutex m_mutex;
     mutable std::condition_variable m_changed;
     std::map<QString, QVariant> m_answers;
+    std::map<QString, jobmanager_ui::PropertyDisplayInfo> m_displayInfos;
     std::set<QString> m_held;
     mutable std::set<QString> m_waiting;
     std::vector<QString> m_jobIDs;

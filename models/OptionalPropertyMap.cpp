@@ -1,0 +1,55 @@
+#include "models/OptionalPropertyMap.h"
+
+#include <QMetaMethod>
+#include <QMetaProperty>
+#include <QQmlEngine>
+
+namespace jobmanager_ui {
+
+OptionalPropertyMap::OptionalPropertyMap(QObject* parent) : QQmlPropertyMap(this, parent)
+{
+    QQmlEngine::setObjectOwnership(this, QQmlEngine::CppOwnership);
+}
+
+void OptionalPropertyMap::show(const QString& name, const QVariant& value)
+{
+    if (contains(name)) {
+        if (this->value(name) == value) {
+            return;
+        }
+        ++m_deliveries;
+        insert(name, value);
+        return;
+    }
+    insert(name, value);
+    // The property's own signal is the last one of a write or a shown value, and QML hears it before this slot does.
+    const QMetaProperty property = metaObject()->property(metaObject()->indexOfProperty(name.toUtf8().constData()));
+    QMetaObject::connect(this, property.notifySignalIndex(), this, staticMetaObject.indexOfSlot("endDelivery()"));
+}
+
+QVariant OptionalPropertyMap::updateValue(const QString& key, const QVariant& input)
+{
+    // Called before the first signal of a write.
+    ++m_deliveries;
+    return QQmlPropertyMap::updateValue(key, input);
+}
+
+void OptionalPropertyMap::endDelivery()
+{
+    --m_deliveries;
+    if (m_deliveries == 0 && m_ended) {
+        deleteLater();
+    }
+}
+
+void OptionalPropertyMap::end()
+{
+    if (m_deliveries == 0) {
+        delete this;
+        return;
+    }
+    setParent(nullptr);
+    m_ended = true;
+}
+
+} // namespace jobmanager_ui
