@@ -11,7 +11,7 @@ namespace jobmanager_ui {
 /// Each change of the slice is a full reset of this model. Rows that come to or leave the other model by row signals
 /// do not move the slice over the rows that are in it already; a reset of either model does. The slice may be changed
 /// from inside a reset of the other model, where a TestList tells of its sections, but not from inside its row
-/// signals, which the base class does not stand. Main thread only.
+/// signals, which the base class does not withstand. Main thread only.
 class PartialModel : public QSortFilterProxyModel
 {
     Q_OBJECT

@@ -162,7 +162,7 @@ std::vector<long long> TestList::readTestIDs() const
 bool TestList::takeOverTests(const QHash<long long, TestPointer>& oldTests)
 {
     // The tests signal their updates while the table is half full. A receiver may regroup or filter the list: hence
-    // the copy, and the lookups elsewhere that stand an absent test. A reload inside this one would not find the
+    // the copy, and that the lookups elsewhere allow for a missing test. A reload inside this one would not find the
     // tests that it has to keep, and waits for the next reader.
     const QScopedValueRollback<bool> takingOver(m_takingOver, true);
     const std::vector<long long> ids = m_testIDs;

@@ -179,7 +179,7 @@ private:
     QVariantList m_sections;
     QString m_searchRegExpStr;
 
-    /// A reload is at its tests.
+    /// Set while a reload updates the tests that stay and makes the new ones.
     bool m_takingOver = false;
 };
 

@@ -204,7 +204,7 @@ private Q_SLOTS:
         const Follower view(model);
         const SignalRecorder recorder(model, m_journal);
         model.setModel(nullptr);
-        QCOMPARE(m_journal.take().last(), QStringLiteral("emit modelChanged()"));
+        QCOMPARE(m_journal.take().constLast(), QStringLiteral("emit modelChanged()"));
         QCOMPARE(model.model(), nullptr);
         QCOMPARE(view.letters(), QString());
         model.setStartIndex(1);

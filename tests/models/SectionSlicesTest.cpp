@@ -67,7 +67,7 @@ private Q_SLOTS:
         FlatView view(slice);
         const QAbstractItemModelTester tester(&view, QAbstractItemModelTester::FailureReportingMode::QtTest);
         // As a binding does: the list tells of its sections while it is being reset.
-        connect(m_list.get(), &TestList::sectionsChanged, this, [&] { showSection(slice, 0); });
+        connect(m_list.get(), &TestList::sectionsChanged, &slice, [&] { showSection(slice, 0); });
         m_list->setGroupType(TestGroupType::GROUPBY_LOCATION);
         QCOMPARE(orderText(slice), QStringLiteral("0 2"));
         m_list->setGroupType(TestGroupType::GROUPBY_TEST_NAME);

@@ -44,18 +44,17 @@ void cut(PartialModel& slice, QAbstractItemModel& source, int start, int count)
 
 Follower::Follower(const QAbstractItemModel& model) : m_model(model), m_letters(shown(model))
 {
-    const auto readEverything = [this] { readAll(); };
-    QObject::connect(&model, &QAbstractItemModel::modelReset, readEverything);
-    QObject::connect(&model, &QAbstractItemModel::layoutChanged, readEverything);
-    QObject::connect(&model, &QAbstractItemModel::rowsMoved, readEverything);
-    QObject::connect(&model, &QAbstractItemModel::rowsInserted, [this](const QModelIndex&, int first, int last) {
+    connect(&model, &QAbstractItemModel::modelReset, this, &Follower::readAll);
+    connect(&model, &QAbstractItemModel::layoutChanged, this, &Follower::readAll);
+    connect(&model, &QAbstractItemModel::rowsMoved, this, &Follower::readAll);
+    connect(&model, &QAbstractItemModel::rowsInserted, this, [this](const QModelIndex&, int first, int last) {
         for (int row = first; row <= last; ++row) {
             m_letters.insert(row, letter(row));
         }
     });
-    QObject::connect(&model, &QAbstractItemModel::rowsRemoved,
+    connect(&model, &QAbstractItemModel::rowsRemoved, this,
         [this](const QModelIndex&, int first, int last) { m_letters.remove(first, last - first + 1); });
-    QObject::connect(&model, &QAbstractItemModel::dataChanged, [this](const QModelIndex& from, const QModelIndex& to) {
+    connect(&model, &QAbstractItemModel::dataChanged, this, [this](const QModelIndex& from, const QModelIndex& to) {
         for (int row = from.row(); row <= to.row(); ++row) {
             m_letters[row] = letter(row);
         }

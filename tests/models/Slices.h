@@ -18,7 +18,7 @@ QString fault(const jobmanager_ui::PartialModel& slice);
 void cut(jobmanager_ui::PartialModel& slice, QAbstractItemModel& source, int start, int count);
 
 /// What a view would show that believes the model's signals.
-class Follower
+class Follower : public QObject
 {
 public:
     explicit Follower(const QAbstractItemModel& model);

@@ -104,6 +104,7 @@ TestRoles::Test=262)"));
         test.status = QStringLiteral("pass");
         test.time = minute(5);
         load({ test });
+        m_journal.take();
         const QModelIndex index = m_list->index(0, 0);
         QCOMPARE(index.data(257), QVariant(m_jobID));
         QCOMPARE(index.data(258), QVariant(4294967298LL));
@@ -113,6 +114,7 @@ TestRoles::Test=262)"));
         QCOMPARE(index.data(261), QVariant(QStringLiteral("12")));
         QCOMPARE(index.data(262).value<jobmanager_ui::Test*>(), m_list->getTest(4294967298).get());
         QVERIFY(index.data(262).value<QObject*>() != nullptr);
+        QCOMPARE(m_api->calls(), QStringList{ QStringLiteral("getTestStatus") });
     }
 
     void otherRolesAndRowsThatAreNotThereAnswerNothing()

@@ -235,7 +235,7 @@ slot setErrorSeverity(int))"));
     {
         QTest::addColumn<QString>("response");
         QTest::newRow("text") << QStringLiteral("yes");
-        QTest::newRow("empty") << QStringLiteral("");
+        QTest::newRow("empty") << QString(QLatin1String(""));
     }
 
     void recordedAnswerIsNotWrittenAgain()

@@ -110,7 +110,7 @@ private Q_SLOTS:
         QTest::addColumn<QString>("location");
         QTest::newRow("missing") << QVariant() << QStringLiteral("~");
         QTest::newRow("null") << QVariant(QString()) << QStringLiteral("~");
-        QTest::newRow("empty") << QVariant(QStringLiteral("")) << QStringLiteral("~");
+        QTest::newRow("empty") << QVariant(QLatin1String("")) << QStringLiteral("~");
         QTest::newRow("no text") << QVariant(QStringList()) << QStringLiteral("~");
         QTest::newRow("blank") << QVariant(QStringLiteral(" ")) << QStringLiteral(" ");
         QTest::newRow("number") << QVariant(12) << QStringLiteral("12");
