@@ -1,13 +1,14 @@
 #include "models/OptionalPropertyMap.h"
+#include "tests/support/QmlObject.h"
 
 #include <QEventLoop>
 #include <QPointer>
-#include <QQmlComponent>
 #include <QQmlContext>
 #include <QQmlEngine>
 #include <QSignalSpy>
 #include <QtTest>
 
+using namespace jobmanager_test;
 using namespace jobmanager_ui;
 
 namespace {
@@ -264,14 +265,7 @@ private:
     {
         m_engine.rootContext()->setContextProperty(QStringLiteral("owner"), m_owner.get());
         m_engine.rootContext()->setContextProperty(QStringLiteral("map"), m_map);
-        QQmlComponent component(&m_engine);
-        component.setData(
-            "import QtQml 2.15\nQtObject { function type() { map['a'] = 'typed' }\n" + content + "\n}", QUrl());
-        std::unique_ptr<QObject> form(component.create());
-        if (!form) {
-            QTest::qFail(qPrintable(component.errorString()), __FILE__, __LINE__);
-        }
-        return form;
+        return qmlObject(m_engine, "QtObject { function type() { map['a'] = 'typed' }\n" + content + "\n}");
     }
 
     /// The event loop's turn for objects whose end was put off.
