@@ -214,8 +214,6 @@ private Q_SLOTS:
         QCOMPARE(m_api->getAllJobIDs().size(), std::size_t{ 21 });
         QCOMPARE(m_api->getJobNumber(job), job);
         QCOMPARE(m_api->isJobArchived(job), false);
-        QCOMPARE(m_api->getWorkflowTypeName(job), QString());
-        QCOMPARE(text(m_api->getAllTestIDs(job)), QString());
         const auto property = [&](const char* name) {
             return typed(m_api->getOptionalJobProperty(job, QString::fromLatin1(name)));
         };
@@ -223,6 +221,22 @@ private Q_SLOTS:
         QCOMPARE(property("otherJobProperty"), QStringLiteral("QString OtherJobProperty1"));
         QCOMPARE(property("numberJobProperty"), QStringLiteral("double 0"));
         QCOMPARE(property("onlyLetters"), QStringLiteral("QString abc"));
+    }
+
+    void createdJobHasNothingElse()
+    {
+        const QString job = QStringLiteral("WO-7");
+        m_api->createJob(
+            job, QStringLiteral("tech"), QStringLiteral("MockTemplate1"), QStringLiteral("locations.csv"), true);
+        QCOMPARE(m_api->getWorkOrderLabel(job), QString());
+        QCOMPARE(m_api->getCustomerName(job), QString());
+        QCOMPARE(m_api->getWorkflowTypeName(job), QString());
+        QCOMPARE(m_api->getJobManagedByInfo(job), QString());
+        QCOMPARE(m_api->getJobManagementState(job), QString());
+        QCOMPARE(m_api->getTotalNumberOfRequiredTests(job), 0);
+        QCOMPARE(text(m_api->getAllTestIDs(job)), QString());
+        QCOMPARE(text(m_api->getRequiredTestIDs(job)), QString());
+        QCOMPARE(text(m_api->getOptionalTestIDs(job)), QString());
     }
 
     void createdJobDoesNotChangeTheTechnician()
@@ -265,6 +279,14 @@ private Q_SLOTS:
         QVERIFY(m_api->deleteJob(QStringLiteral("JOB1")));
         QVERIFY(!m_api->hasCurrentJob());
         QCOMPARE(m_api->getChangeCount(), before + 1);
+    }
+
+    void refusedDeletionLeavesACurrentJobThatDoesNotExist()
+    {
+        m_api->setCurrentJobByID(QStringLiteral("unknown"));
+        QVERIFY(!m_api->deleteJob(QStringLiteral("unknown")));
+        QCOMPARE(m_api->getCurrentJobID(), QStringLiteral("unknown"));
+        QCOMPARE(m_api->getChangeCount(), 1);
     }
 
     void deletingAnotherJobLeavesTheCurrentOne()

@@ -213,8 +213,8 @@ private Q_SLOTS:
         Engine engine;
         QString errors;
         QCOMPARE(load(engine, document(type + QStringLiteral(" {}")), &errors), nullptr);
-        QVERIFY2(!errors.isEmpty(), "no error was reported");
-        QVERIFY2(!errors.contains(QLatin1String("is not a type")), qPrintable(errors));
+        // The engine's own words: the registration gives no reason.
+        QCOMPARE(errors, QStringLiteral(":3 Element is not creatable.\n"));
     }
 
     void typesCanBeNamed_data()
@@ -270,13 +270,22 @@ private Q_SLOTS:
         }
     }
 
+    void otherVersionsAreNotThere_data()
+    {
+        QTest::addColumn<QString>("version");
+        QTest::newRow("0.9") << QStringLiteral("0.9");
+        QTest::newRow("1.1") << QStringLiteral("1.1");
+        QTest::newRow("2.0") << QStringLiteral("2.0");
+    }
+
     void otherVersionsAreNotThere()
     {
+        QFETCH(QString, version);
         Engine engine;
         QString errors;
-        QCOMPARE(
-            load(engine, QStringLiteral("import QtQml 2.15\nimport JobManagerUi 2.0\nQtObject {}"), &errors), nullptr);
-        QVERIFY2(errors.contains(QLatin1String("version 2.0")), qPrintable(errors));
+        const QString text = QStringLiteral("import QtQml 2.15\nimport JobManagerUi %1\nQtObject {}").arg(version);
+        QCOMPARE(load(engine, text, &errors), nullptr);
+        QVERIFY2(errors.contains(QStringLiteral("version ") + version), qPrintable(errors));
     }
 
     void operationsAreCallableFromQml()
