@@ -130,11 +130,15 @@ CommandLine parseCommandLine(const std::vector<std::string>& arguments)
             line.generate = parseGenerate(value());
         else if (name == "--tech-id")
             line.techId = value();
+        else if (name == "--media-root")
+            line.mediaRoots.emplace_back(path());
         else if (name == "--attribute-rules")
             line.attributeRules = path();
         else if (!takeTestOption(name, value, line.tests))
             throw UsageError("there is no option \"" + arguments[i] + "\"");
     }
+    if (line.mediaRoots.empty())
+        line.mediaRoots.emplace_back("/media");
     return line;
 }
 
@@ -152,6 +156,8 @@ const char* usageText()
            "  --tech-id ID               technician of the login configuration\n"
            "  --attribute-rules FILE     refuse, normalise or delay writes of chosen attributes, to try clients\n"
            "                             out (docs/job-service-api.md)\n"
+           "  --media-root DIR           folder below which jobs are exported and imported (default /media);\n"
+           "                             may be repeated\n"
            "  --start-seconds S          how long a simulated test takes to start (default 0.5)\n"
            "  --run-seconds S            how long a simulated test runs (default 3)\n"
            "  --seed N                   decides what simulated tests come to (default 0)\n"

@@ -35,6 +35,8 @@ struct CommandLine
     std::vector<std::filesystem::path> load;
     std::optional<GenerateSize> generate;
     std::string techId;
+    /// Where media are mounted: jobs are exported and imported only there.
+    std::vector<std::filesystem::path> mediaRoots;
     /// Empty for no rules.
     std::filesystem::path attributeRules;
     TestOptions tests;

@@ -1,15 +1,12 @@
 #include "service/FileLoader.h"
 
+#include "service/FileHandle.h"
 #include "service/JobDocument.h"
 #include "service/Log.h"
 #include "service/UtcTime.h"
 
 #include <algorithm>
-#include <cerrno>
-#include <cstring>
 #include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
 #include <utility>
 
 namespace job_service {
@@ -21,56 +18,10 @@ namespace fs = std::filesystem;
 constexpr std::string_view jobSuffix = ".job.json";
 constexpr std::string_view templateSuffix = ".tpl.json";
 
-class FileUnreadable : public std::runtime_error
+/// Does not wait on what is no plain file.
+FileHandle opened(const fs::path& path)
 {
-public:
-    using std::runtime_error::runtime_error;
-};
-
-/// A descriptor that is closed at the end.
-class OpenFile
-{
-public:
-    /// Does not wait on what is no plain file.
-    explicit OpenFile(const fs::path& path) : m_descriptor(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)) { }
-    ~OpenFile()
-    {
-        if (m_descriptor >= 0)
-            ::close(m_descriptor);
-    }
-    OpenFile(const OpenFile&) = delete;
-    OpenFile& operator=(const OpenFile&) = delete;
-
-    int descriptor() const { return m_descriptor; }
-
-private:
-    int m_descriptor;
-};
-
-std::string contentOf(const fs::path& path)
-{
-    const OpenFile file(path);
-    struct stat status
-    {
-    };
-    if (file.descriptor() < 0 || ::fstat(file.descriptor(), &status) != 0)
-        throw FileUnreadable(std::strerror(errno));
-    if (!S_ISREG(status.st_mode))
-        throw FileUnreadable("it is no plain file");
-    std::string content;
-    char buffer[65536];
-    for (;;) {
-        const ssize_t count = ::read(file.descriptor(), buffer, sizeof buffer);
-        if (count < 0 && errno == EINTR)
-            continue;
-        if (count < 0)
-            throw FileUnreadable(std::strerror(errno));
-        if (count == 0)
-            return content;
-        content.append(buffer, static_cast<std::size_t>(count));
-        if (content.size() > maximumDocumentSize)
-            throw FileUnreadable("it is larger than 16 MiB");
-    }
+    return FileHandle(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
 }
 
 bool endsWith(const fs::path& path, std::string_view suffix)
@@ -141,7 +92,7 @@ void FileLoader::loadTemplate(const fs::path& file)
 {
     m_beforeEach();
     readOrSkip(file, [&] {
-        const std::string text = contentOf(file);
+        const std::string text = contentOf(opened(file), maximumDocumentSize);
         m_store.putTemplate(checkedTemplateName(text), text);
         return true;
     });
@@ -155,7 +106,7 @@ void FileLoader::loadJobs(const std::vector<fs::path>& files)
         while (index < files.size()) {
             m_beforeEach();
             const fs::path& file = files[index++];
-            if (std::optional<StoredJob> job = readOrSkip(file, [&] { return jobFromFile(contentOf(file), now); }))
+            if (std::optional<StoredJob> job = readOrSkip(file, [&] { return jobFromFile(contentOf(opened(file), maximumDocumentSize), now); }))
                 return job;
         }
         return std::nullopt;

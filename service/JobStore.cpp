@@ -201,17 +201,21 @@ bool JobStore::createJob(const StoredJob& job)
     });
 }
 
-std::size_t JobStore::addJobs(
-    const std::function<std::optional<StoredJob>()>& next, const std::function<void(const std::string& id)>& kept)
+std::size_t JobStore::addJobs(const std::function<std::optional<StoredJob>()>& next,
+    const std::function<void(const std::string& id)>& kept, const MayReplace& mayReplace)
 {
     return write([&](SqliteDatabase& database) {
         CountedChange change(*this);
         std::size_t added = 0;
         while (const std::optional<StoredJob> job = next()) {
-            if (insertJob(database, *job))
+            if (insertJob(database, *job)) {
                 ++added;
-            else
+            } else if (mayReplace(documentOf(database, job->id).value(), *job)) {
+                updateJob(database, *job);
+                ++added;
+            } else {
                 kept(job->id);
+            }
         }
         if (added > 0)
             change.commit();

@@ -49,10 +49,13 @@ public:
     std::optional<std::string> document(const std::string& id) const;
     /// Adds a job. Returns false if there is one with its id, which stays as it is.
     bool createJob(const StoredJob& job);
-    /// Adds all jobs that `next` gives until it gives none, as one change. A job whose id is known stays as it is;
-    /// `kept` is told. Returns how many were added.
-    std::size_t addJobs(
-        const std::function<std::optional<StoredJob>()>& next, const std::function<void(const std::string& id)>& kept);
+    /// Decides whether `job` may take the place of the one whose document the store has.
+    using MayReplace = std::function<bool(const std::string& storedDocument, const StoredJob& job)>;
+    /// Adds all jobs that `next` gives until it gives none, as one change. A job whose id is known stays as it is, and
+    /// `kept` is told, unless `mayReplace` lets the new one take its place. Returns how many were added or replaced.
+    std::size_t addJobs(const std::function<std::optional<StoredJob>()>& next,
+        const std::function<void(const std::string& id)>& kept, const MayReplace& mayReplace = neverReplace);
+    static bool neverReplace(const std::string& /*storedDocument*/, const StoredJob& /*job*/) { return false; }
     /// Lets `patch` change the document of a job and sets its time of modification. What `patch` throws leaves
     /// this operation and changes nothing; so does the DocumentRefused of a document that has become unfit.
     Change changeJob(const std::string& id, const std::function<void(JsonTree& document)>& patch);

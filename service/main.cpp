@@ -14,6 +14,7 @@
 #include "service/StoreFile.h"
 #include "service/TestApi.h"
 #include "service/TestRunner.h"
+#include "service/TransferApi.h"
 
 #include <csignal>
 #include <cstdio>
@@ -105,7 +106,8 @@ void serve(const CommandLine& line)
     TestRunner runner(store, bench);
     JobApi jobApi(store, line.techId, std::move(rules));
     TestApi testApi(runner);
-    const Router router(joined({ jobApi.routes(), testApi.routes() }), server.port());
+    TransferApi transferApi(store, MediaRoots(line.mediaRoots));
+    const Router router(joined({ jobApi.routes(), testApi.routes(), transferApi.routes() }), server.port());
     server.listen([&router](const HttpHead& head) { return router.decide(head); });
     std::thread serving([&server] { server.run(); });
     std::printf("job-service: listening on 127.0.0.1:%u\n", static_cast<unsigned>(server.port()));
@@ -114,6 +116,7 @@ void serve(const CommandLine& line)
     endSignals.wait();
     jobApi.stop();
     runner.stop();
+    transferApi.cancel();
     server.stop();
     serving.join();
 }

@@ -1,63 +1,19 @@
 #include "service/JobApi.h"
 
 #include "service/UtcTime.h"
-#include "tests/service/StoreFixture.h"
+#include "tests/service/ApiFixture.h"
 
 using namespace job_service;
 using nlohmann::json;
 
 namespace {
 
-constexpr unsigned short port = 8082;
-
-/// The routes over a store, without a network between.
-class JobApiTest : public jobmanager_test::StoreFixture
+class JobApiTest : public jobmanager_test::ApiFixture
 {
 protected:
-    JobApi m_api{ store(), "t-0107" };
-    Router m_router{ m_api.routes(), port };
+    JobApiTest() { serve(m_api.routes()); }
 
-    HttpResponse call(const std::string& method, const std::string& path, const std::string& body = {})
-    {
-        HttpHead head{ method, "/api/v1" + path, { { "host", "127.0.0.1:8082" } }, {}, false };
-        if (!body.empty()) {
-            head.fields.emplace_back("content-type", "application/json");
-            head.contentLength = body.size();
-        }
-        const auto decision = m_router.decide(head);
-        if (const auto* refusal = std::get_if<HttpResponse>(&decision))
-            return *refusal;
-        return std::get<HttpCall>(decision).answer(body);
-    }
-    json get(const std::string& path)
-    {
-        const HttpResponse response = call("GET", path);
-        EXPECT_EQ(response.status, 200) << response.body;
-        return json::parse(response.body);
-    }
-    /// Expects an error with this status and code, and a count that stays.
-    void expectRefused(int status, const std::string& code, const std::string& method, const std::string& path,
-        const std::string& body = {})
-    {
-        const int before = store().changeCount();
-        const HttpResponse response = call(method, path, body);
-        EXPECT_EQ(response.status, status) << method << ' ' << path << ' ' << response.body;
-        const json error = json::parse(response.body).at("error");
-        EXPECT_EQ(error.at("code"), code) << response.body;
-        EXPECT_FALSE(error.at("message").get<std::string>().empty());
-        EXPECT_EQ(response.body.find(m_folder.path().string()), std::string::npos);
-        EXPECT_EQ(response.body.find('/'), std::string::npos) << response.body;
-        EXPECT_EQ(store().changeCount(), before);
-    }
-    /// Expects 204 and a count that moves by this much.
-    void expectDone(int moves, const std::string& method, const std::string& path, const std::string& body = {})
-    {
-        const int before = store().changeCount();
-        const HttpResponse response = call(method, path, body);
-        EXPECT_EQ(response.status, 204) << method << ' ' << path << ' ' << response.body;
-        EXPECT_EQ(response.body, "");
-        EXPECT_EQ(store().changeCount(), before + moves);
-    }
+    JobApi m_api{ store(), "t-0107" };
 };
 
 TEST_F(JobApiTest, changeCountIsThatOfTheStore)
@@ -310,13 +266,13 @@ TEST_F(JobApiTest, everyRouteRefusesAForeignHostAndOrigin)
     const int before = store().changeCount();
     for (const Route& route : m_api.routes()) {
         HttpHead head{ route.method, route.pattern, { { "host", "evil.example:8082" } }, {}, false };
-        const auto foreignHost = m_router.decide(head);
+        const auto foreignHost = router().decide(head);
         ASSERT_TRUE(std::holds_alternative<HttpResponse>(foreignHost)) << route.pattern;
         EXPECT_EQ(std::get<HttpResponse>(foreignHost).status, 403) << route.pattern;
         head.fields = { { "host", "127.0.0.1:8082" }, { "origin", "http://evil.example" } };
-        EXPECT_EQ(std::get<HttpResponse>(m_router.decide(head)).status, 403) << route.pattern;
+        EXPECT_EQ(std::get<HttpResponse>(router().decide(head)).status, 403) << route.pattern;
         head.fields = { { "host", "127.0.0.1:8082" }, { "sec-fetch-site", "cross-site" } };
-        EXPECT_EQ(std::get<HttpResponse>(m_router.decide(head)).status, 403) << route.pattern;
+        EXPECT_EQ(std::get<HttpResponse>(router().decide(head)).status, 403) << route.pattern;
     }
     EXPECT_EQ(store().changeCount(), before);
 }
@@ -330,7 +286,7 @@ TEST_F(JobApiTest, everyWritingRouteRefusesWhatAFormCanSend)
             { "text/plain", "multipart/form-data; boundary=x", "application/x-www-form-urlencoded" }) {
             const HttpHead head{ route.method, route.pattern,
                 { { "host", "127.0.0.1:8082" }, { "content-type", type } }, 2, false };
-            const auto decision = m_router.decide(head);
+            const auto decision = router().decide(head);
             ASSERT_TRUE(std::holds_alternative<HttpResponse>(decision)) << route.pattern;
             EXPECT_EQ(std::get<HttpResponse>(decision).status, 415) << route.pattern;
         }
