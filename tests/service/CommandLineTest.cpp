@@ -17,6 +17,7 @@ TEST(CommandLineTest, withoutArgumentsTheDefaultsHold)
     EXPECT_FALSE(line.generate);
     EXPECT_EQ(line.techId, "");
     EXPECT_TRUE(line.attributeRules.empty());
+    EXPECT_EQ(line.mediaRoots, std::vector<std::filesystem::path>{ "/media" });
     EXPECT_FALSE(line.help);
     EXPECT_FALSE(line.version);
 }
@@ -25,7 +26,7 @@ TEST(CommandLineTest, everyOptionIsRead)
 {
     const CommandLine line = parseCommandLine({ "--port", "0", "--data", "/d", "--load", "a", "--load=b", "--generate",
         "jobs=1000,tests=50", "--tech-id=t=1", "--attribute-rules", "r.json", "--start-seconds", "0.25",
-        "--run-seconds=86400", "--seed=4294967295", "--help", "--version" });
+        "--run-seconds=86400", "--seed=4294967295", "--media-root", "/a", "--media-root=b", "--help", "--version" });
     EXPECT_EQ(line.port, 0);
     EXPECT_EQ(line.data, "/d");
     EXPECT_EQ(line.load, (std::vector<std::filesystem::path>{ "a", "b" }));
@@ -36,6 +37,7 @@ TEST(CommandLineTest, everyOptionIsRead)
     EXPECT_EQ(line.tests.simulation.startDuration, std::chrono::milliseconds(250));
     EXPECT_EQ(line.tests.simulation.runDuration, std::chrono::hours(24));
     EXPECT_EQ(line.tests.simulation.seed, 4294967295u);
+    EXPECT_EQ(line.mediaRoots, (std::vector<std::filesystem::path>{ "/a", "b" }));
     EXPECT_TRUE(line.help);
     EXPECT_TRUE(line.version);
 }

@@ -4,6 +4,7 @@
 #include "service/JobApi.h"
 #include "service/SimulatedBench.h"
 #include "service/TestApi.h"
+#include "service/TransferApi.h"
 #include "tests/service/TemporaryFolder.h"
 #include "tests/support/HttpRequest.h"
 #include "tests/support/ServiceProcess.h"
@@ -136,6 +137,7 @@ class OpenApiTest : public testing::Test
 protected:
     Description m_description;
     jobmanager_test::TemporaryFolder m_files;
+    jobmanager_test::TemporaryFolder m_media;
     ServiceProcess m_service;
 
     void SetUp() override
@@ -144,7 +146,8 @@ protected:
             R"({"details":{"id":"WO-1","jobManagerAttributes":{)"
             R"("accessCode":{"label":"Access code","value":"","valueType":"number","editable":true},)"
             R"("fixed":{"label":"Fixed","value":""}}},"tests":[{"testType":"x"}]})");
-        m_service.setArguments({ "--load", m_files.path().string() });
+        std::filesystem::create_directory(m_media.path() / "usb");
+        m_service.setArguments({ "--load", m_files.path().string(), "--media-root", m_media.path().string() });
         ASSERT_TRUE(m_service.start()) << m_service.log();
     }
 
@@ -190,7 +193,12 @@ protected:
     }
     std::string bodyOf(const Operation& operation) const
     {
-        return hasBody(operation) ? bodyContent(operation).at("example").dump() : std::string();
+        return hasBody(operation) ? onTestMedia(bodyContent(operation).at("example").dump()) : std::string();
+    }
+    /// The folder of the test stands for that of the media.
+    std::string onTestMedia(const std::string& text) const
+    {
+        return std::regex_replace(text, std::regex("\"/media"), "\"" + m_media.path().string());
     }
 
     static std::string successOf(const Operation& operation)
@@ -239,7 +247,8 @@ TEST_F(OpenApiTest, everyRouteOfTheServiceIsDescribedAndNoOther)
     job_service::SimulatedBench bench({});
     job_service::TestRunner runner(store, bench);
     std::set<std::string> served;
-    for (const auto& routes : { job_service::JobApi(store, "").routes(), job_service::TestApi(runner).routes() }) {
+    for (const auto& routes : { job_service::JobApi(store, "").routes(), job_service::TestApi(runner).routes(),
+             job_service::TransferApi(store, job_service::MediaRoots({})).routes() }) {
         for (const job_service::Route& route : routes)
             served.insert(route.method + " " + route.pattern);
     }
@@ -331,6 +340,20 @@ TEST_F(OpenApiTest, refusedWritesOfAttributesAnswerAsDescribed)
         expectRefused("none", "404");
     }
     EXPECT_EQ(checked, 1);
+}
+
+TEST_F(OpenApiTest, refusedTransfersAnswerAsDescribed)
+{
+    int checked = 0;
+    for (const Operation& operation : operations()) {
+        if (operation.path != "/api/v1/exports" && operation.path != "/api/v1/imports")
+            continue;
+        ++checked;
+        expectAnswer(operation, call(operation, operation.path, bodyContent(operation).at("example").dump()), "403");
+        std::filesystem::remove(m_media.path() / "usb");
+        expectAnswer(operation, call(operation, operation.path, bodyOf(operation)), "404");
+    }
+    EXPECT_EQ(checked, 2);
 }
 
 TEST_F(OpenApiTest, otherMethodsAreToldTheDescribedOnes)

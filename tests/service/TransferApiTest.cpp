@@ -5,6 +5,8 @@
 #include "service/ExportFileName.h"
 #include "tests/service/ApiFixture.h"
 
+#include <algorithm>
+#include <atomic>
 #include <fcntl.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
@@ -518,6 +520,22 @@ TEST_F(TransferApiTest, theEndOfTheServiceCutsAnImportOff)
     writeFile("usb/a.job.json", jobText("a"));
     m_api->cancel();
     EXPECT_EQ(importMedia().at("cutOff"), "the service ends");
+}
+
+TEST_F(TransferApiTest, oneTransferRunsAtATime)
+{
+    for (int i = 0; i < 2000; ++i)
+        writeFile("usb/" + std::to_string(i) + ".job.json", jobText(std::to_string(i)));
+    std::atomic<bool> ended{ false };
+    std::thread importing([&] {
+        call("POST", "/imports", importBody(medium()));
+        ended = true;
+    });
+    bool refused = false;
+    while (!refused && !ended)
+        refused = call("POST", "/exports", exportBody("none", medium())).status == 409;
+    importing.join();
+    EXPECT_TRUE(refused);
 }
 
 TEST_F(TransferApiTest, malformedRequestsAreRefused)
