@@ -71,6 +71,7 @@ private Q_SLOTS:
     void attributeThatTheJobDoesNotHaveIsAddedToTheCachedOnes();
     void contentThatIsNoAttributeIsReplacedByOne();
     void otherAttributesStayAsTheyAre();
+    void testsAreFoundAsBeforeTheWrite();
 
     void nameThatNoExtractorServesSendsNothingAndAnswersTrue_data();
     void nameThatNoExtractorServesSendsNothingAndAnswersTrue();
@@ -278,6 +279,19 @@ void JobPropertyWritesTest::otherAttributesStayAsTheyAre()
     api->setOptionalJobProperty(job, someProperty, QStringLiteral("new"));
     QCOMPARE(api->getOptionalJobProperty(job, QStringLiteral("attributes/other")), QVariant(QStringLiteral("kept")));
     QVERIFY(!api->getOptionalJobPropertyDisplayInfo(job, QStringLiteral("attributes/other")).editable);
+}
+
+void JobPropertyWritesTest::testsAreFoundAsBeforeTheWrite()
+{
+    cdm::CdmSouthboundJob record = jobWithAttributes({ { "name", attributeJson("old") } });
+    record.tests = { testOf("1"), testOf("2"), testOf("2") };
+    record.tests->at(1).testType = "first";
+    record.tests->at(2).testType = "second";
+    WithJob api(record);
+    QCOMPARE(api->getTestType(job, idOf(2)), QStringLiteral("first"));
+    api->setOptionalJobProperty(job, someProperty, QStringLiteral("new"));
+    QCOMPARE(api->getTestType(job, idOf(2)), QStringLiteral("first"));
+    QVERIFY(api->getTestType(job, idOf(3)).isNull());
 }
 
 void JobPropertyWritesTest::nameThatNoExtractorServesSendsNothingAndAnswersTrue_data()
