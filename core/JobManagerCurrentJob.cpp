@@ -1,7 +1,7 @@
 // The current job, and creating and deleting jobs: what is asked of the service here comes back by the update cycle.
+#include "core/JobManager.h"
 
 #include "api/Logging.h"
-#include "core/JobManager.h"
 
 #include <utility>
 

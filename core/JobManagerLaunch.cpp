@@ -1,8 +1,8 @@
 // Launching tests, and the sync with the cloud service: both run on the worker, and the flags tell that they do.
+#include "core/JobManager.h"
 
 #include "api/Logging.h"
 #include "core/ErrorMessageHelper.h"
-#include "core/JobManager.h"
 
 #include <QScopedValueRollback>
 

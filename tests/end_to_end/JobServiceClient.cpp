@@ -72,6 +72,11 @@ int JobServiceClient::changeCount() const
     return get(QStringLiteral("/change-count")).value(QLatin1String("changeCount")).toInt();
 }
 
+QString JobServiceClient::activeJob() const
+{
+    return get(QStringLiteral("/active-job")).value(QLatin1String("id")).toString();
+}
+
 QJsonObject JobServiceClient::settings() const
 {
     return get(QStringLiteral("/settings")).value(QLatin1String("settings")).toObject();
@@ -105,6 +110,19 @@ void JobServiceClient::writeSetting(const QString& id, const QString& value) con
     send("PUT", QStringLiteral("/settings/") + id, { { QStringLiteral("value"), value } });
 }
 
+QString JobServiceClient::launch(const QString& uiIndex) const
+{
+    return send("POST", QStringLiteral("/launches"), { { QStringLiteral("uiIndex"), uiIndex } })
+        .value(QLatin1String("message"))
+        .toString();
+}
+
+bool JobServiceClient::isTestRunning() const
+{
+    // Of what is wrong with a launch the service tells the running test first.
+    return launch(QStringLiteral("no index")).startsWith(QLatin1String("ERROR_CUSTOM_NONFATAL"));
+}
+
 void JobServiceClient::setResult(const QString& id, const QString& uiIndex, const QString& status) const
 {
     sendResult(id, uiIndex, status, QDateTime::currentDateTimeUtc().toString(Qt::ISODateWithMs));
@@ -131,11 +149,12 @@ QJsonObject JobServiceClient::get(const QString& path) const
     return QJsonDocument::fromJson(QByteArray::fromStdString(reply.body)).object();
 }
 
-void JobServiceClient::send(const QByteArray& method, const QString& path, const QJsonObject& body) const
+QJsonObject JobServiceClient::send(const QByteArray& method, const QString& path, const QJsonObject& body) const
 {
     const auto reply = jobmanager_test::httpRequest(
         m_port, method.toStdString(), (QLatin1String(root) + path).toStdString(), text(body));
     checkAnswer(reply, QString::fromLatin1(method) + QLatin1Char(' ') + path);
+    return QJsonDocument::fromJson(QByteArray::fromStdString(reply.body)).object();
 }
 
 QString JobServiceClient::jobPath(const QString& id) const

@@ -19,6 +19,8 @@ public:
     /// The document of one job.
     QJsonObject document(const QString& id) const;
     int changeCount() const;
+    /// The id of the active job; empty if there is none.
+    QString activeJob() const;
     QJsonObject settings() const;
 
     void createJob(const QString& id) const;
@@ -26,6 +28,11 @@ public:
     void archiveJob(const QString& id) const;
     void setActiveJob(const QString& id) const;
     void writeSetting(const QString& id, const QString& value) const;
+    /// Launches the test or location with this index string of the active job. Gives the status, empty for one that
+    /// runs now.
+    QString launch(const QString& uiIndex) const;
+    /// Whether a test is running.
+    bool isTestRunning() const;
     /// Gives the test or location with this index string a result, of now.
     void setResult(const QString& id, const QString& uiIndex, const QString& status) const;
     /// Gives every test and location of the job a passing result, which completes its required tests.
@@ -33,7 +40,8 @@ public:
 
 private:
     QJsonObject get(const QString& path) const;
-    void send(const QByteArray& method, const QString& path, const QJsonObject& body = {}) const;
+    /// Gives the body of the answer; empty if there is none.
+    QJsonObject send(const QByteArray& method, const QString& path, const QJsonObject& body = {}) const;
     void sendResult(const QString& id, const QString& uiIndex, const QString& status, const QString& time) const;
     QString jobPath(const QString& id) const;
 
