@@ -76,9 +76,12 @@ std::uint32_t parseSeed(const std::string& text)
 }
 
 /// Takes an option that tells how tests are run. Returns false if it is none.
-template <typename Value> bool takeTestOption(const std::string& name, Value value, TestOptions& options)
+template <typename Value, typename Path>
+bool takeTestOption(const std::string& name, Value value, Path path, TestOptions& options)
 {
-    if (name == "--start-seconds")
+    if (name == "--instrument")
+        options.instrument = path();
+    else if (name == "--start-seconds")
         options.simulation.startDuration = parseSeconds(name, value());
     else if (name == "--run-seconds")
         options.simulation.runDuration = parseSeconds(name, value());
@@ -134,7 +137,7 @@ CommandLine parseCommandLine(const std::vector<std::string>& arguments)
             line.mediaRoots.emplace_back(path());
         else if (name == "--attribute-rules")
             line.attributeRules = path();
-        else if (!takeTestOption(name, value, line.tests))
+        else if (!takeTestOption(name, value, path, line.tests))
             throw UsageError("there is no option \"" + arguments[i] + "\"");
     }
     if (line.mediaRoots.empty())
@@ -158,6 +161,8 @@ const char* usageText()
            "                             out (docs/job-service-api.md)\n"
            "  --media-root DIR           folder below which jobs are exported and imported (default /media);\n"
            "                             may be repeated\n"
+           "  --instrument FILE          the instrument that tests are checked against (docs/job-service-api.md;\n"
+           "                             default: that of samples/instrument.json)\n"
            "  --start-seconds S          how long a simulated test takes to start (default 0.5)\n"
            "  --run-seconds S            how long a simulated test runs (default 3)\n"
            "  --seed N                   decides what simulated tests come to (default 0)\n"

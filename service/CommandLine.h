@@ -21,6 +21,8 @@ struct GenerateSize
 /// How tests are run.
 struct TestOptions
 {
+    /// Empty for the standard instrument.
+    std::filesystem::path instrument;
     SimulatedBench::Settings simulation;
 };
 

@@ -2,6 +2,7 @@
 
 #include <cerrno>
 #include <cstring>
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -17,6 +18,12 @@ FileHandle& FileHandle::operator=(FileHandle&& other) noexcept
 {
     std::swap(m_descriptor, other.m_descriptor);
     return *this;
+}
+
+FileHandle openedForReading(const std::filesystem::path& path, Links links)
+{
+    const int follow = links == Links::Refused ? O_NOFOLLOW : 0;
+    return FileHandle(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | follow));
 }
 
 std::string contentOf(const FileHandle& file, std::size_t greatestSize)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <filesystem>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -24,6 +25,12 @@ public:
 private:
     int m_descriptor = -1;
 };
+
+enum class Links { Followed, Refused };
+
+/// Opens a file for reading, without waiting on what is no plain file. `links` is about the file itself, not about the
+/// folders on its path. A closed handle, with the reason in errno, if that fails.
+FileHandle openedForReading(const std::filesystem::path& path, Links links = Links::Followed);
 
 /// A file cannot be read, or is none that may be read.
 class FileUnreadable : public std::runtime_error

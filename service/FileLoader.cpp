@@ -6,7 +6,6 @@
 #include "service/UtcTime.h"
 
 #include <algorithm>
-#include <fcntl.h>
 #include <utility>
 
 namespace job_service {
@@ -17,12 +16,6 @@ namespace fs = std::filesystem;
 
 constexpr std::string_view jobSuffix = ".job.json";
 constexpr std::string_view templateSuffix = ".tpl.json";
-
-/// Does not wait on what is no plain file.
-FileHandle opened(const fs::path& path)
-{
-    return FileHandle(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
-}
 
 bool endsWith(const fs::path& path, std::string_view suffix)
 {
@@ -92,7 +85,7 @@ void FileLoader::loadTemplate(const fs::path& file)
 {
     m_beforeEach();
     readOrSkip(file, [&] {
-        const std::string text = contentOf(opened(file), maximumDocumentSize);
+        const std::string text = contentOf(openedForReading(file), maximumDocumentSize);
         m_store.putTemplate(checkedTemplateName(text), text);
         return true;
     });
@@ -106,7 +99,8 @@ void FileLoader::loadJobs(const std::vector<fs::path>& files)
         while (index < files.size()) {
             m_beforeEach();
             const fs::path& file = files[index++];
-            if (std::optional<StoredJob> job = readOrSkip(file, [&] { return jobFromFile(contentOf(opened(file), maximumDocumentSize), now); }))
+            if (std::optional<StoredJob> job = readOrSkip(
+                    file, [&] { return jobFromFile(contentOf(openedForReading(file), maximumDocumentSize), now); }))
                 return job;
         }
         return std::nullopt;

@@ -1,6 +1,7 @@
 #include "service/TestRunner.h"
 
 #include "service/JobDocument.h"
+#include "service/LaunchCheck.h"
 #include "service/LaunchStatus.h"
 #include "service/Log.h"
 #include "service/SqliteError.h"
@@ -9,6 +10,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <nlohmann/json.hpp>
 
 namespace job_service {
 
@@ -98,7 +100,10 @@ private:
     bool m_held = true;
 };
 
-TestRunner::TestRunner(JobStore& store, TestBench& bench) : m_store(store), m_bench(bench)
+TestRunner::TestRunner(JobStore& store, const Instrument& instrument, TestBench& bench)
+    : m_store(store)
+    , m_instrument(instrument)
+    , m_bench(bench)
 {
 }
 
@@ -151,6 +156,9 @@ std::string TestRunner::launchNow(const std::string& uiIndex, Slot& slot)
         return launch_status::testNotFound();
     if (memberText(test->test, "testType") == "manual")
         return launch_status::customNonfatal(manualSentence);
+    std::string obstacle = launchObstacle(m_instrument, nlohmann::json::parse(test->test.text()));
+    if (!obstacle.empty())
+        return obstacle;
     std::unique_ptr<TestRun> started = m_bench.start(*test, m_stop);
     if (!started)
         return launch_status::failedToRun();

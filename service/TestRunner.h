@@ -13,6 +13,8 @@
 
 namespace job_service {
 
+struct Instrument;
+
 /// Runs the tests of the active job, one at a time, and records what comes of them.
 ///
 /// A run belongs to the job that was active at its launch, whichever is active later. Its result is one change of that
@@ -20,8 +22,8 @@ namespace job_service {
 class TestRunner
 {
 public:
-    /// `store` and `bench` must outlive the object.
-    TestRunner(JobStore& store, TestBench& bench);
+    /// All three must outlive the object. `instrument` is what tests are checked against before they start.
+    TestRunner(JobStore& store, const Instrument& instrument, TestBench& bench);
     /// As stop(); then waits for the run to end.
     ~TestRunner();
     TestRunner(const TestRunner&) = delete;
@@ -46,6 +48,7 @@ private:
     class Slot;
 
     JobStore& m_store;
+    const Instrument& m_instrument;
     TestBench& m_bench;
     StopSignal m_stop;
     std::mutex m_mutex;

@@ -3,6 +3,7 @@
 #include "service/DataFolder.h"
 #include "service/FileLoader.h"
 #include "service/HttpServer.h"
+#include "service/Instrument.h"
 #include "service/JobApi.h"
 #include "service/JobGenerator.h"
 #include "service/JobStore.h"
@@ -98,12 +99,14 @@ void serve(const CommandLine& line)
     AttributeRules rules;
     if (!line.attributeRules.empty())
         rules = AttributeRules::fromFile(line.attributeRules);
+    const Instrument instrument =
+        line.tests.instrument.empty() ? Instrument::standard() : Instrument::fromFile(line.tests.instrument);
     HttpServer server(line.port);
     JobStore store(folder.path());
     fill(store, line, endSignals);
 
     SimulatedBench bench(line.tests.simulation);
-    TestRunner runner(store, bench);
+    TestRunner runner(store, instrument, bench);
     JobApi jobApi(store, line.techId, std::move(rules));
     TestApi testApi(runner);
     TransferApi transferApi(store, MediaRoots(line.mediaRoots));

@@ -36,10 +36,11 @@ bool isRequired(const nlohmann::json& testOrLocation, bool otherwise)
     return flag.is_boolean() ? flag.get<bool>() : otherwise;
 }
 
-bool hasStatus(const nlohmann::json& testOrLocation)
+/// A run that broke off is none that completes a test.
+bool hasVerdict(const nlohmann::json& testOrLocation)
 {
     const nlohmann::json& status = member(member(testOrLocation, "results"), "status");
-    return status.is_string() && !status.get_ref<const std::string&>().empty();
+    return status.is_string() && status != "" && status != "error";
 }
 
 bool isRequired(const nlohmann::json& test, const std::vector<const nlohmann::json*>& locations)
@@ -54,9 +55,9 @@ bool isRequired(const nlohmann::json& test, const std::vector<const nlohmann::js
 bool isCompleted(const nlohmann::json& test, const std::vector<const nlohmann::json*>& locations)
 {
     if (locations.empty())
-        return hasStatus(test);
+        return hasVerdict(test);
     return std::all_of(
-        locations.begin(), locations.end(), [](const nlohmann::json* location) { return hasStatus(*location); });
+        locations.begin(), locations.end(), [](const nlohmann::json* location) { return hasVerdict(*location); });
 }
 
 } // namespace

@@ -15,16 +15,18 @@ inline json refused(const std::string& status)
 /// The same where another test runs.
 inline const json busy = refused("ERROR_CUSTOM_NONFATAL^Another test is still running. Wait until it has finished.");
 
-/// The service as a process, with the active job "a" of two tests, the second of which has two locations.
+/// The service as a process, with the active job "a". Unless a test says otherwise it has two tests, the second of
+/// which has two locations.
 class LaunchFixture : public ServiceFixture
 {
 protected:
     TemporaryFolder m_files;
+    json m_tests = json::parse(R"([{"testType":"otdr"},
+        {"testType":"power","testLocations":[{"location":"A"},{"location":"B"}]}])");
 
     void start(const Arguments& arguments)
     {
-        m_files.write("a.job.json", R"({"details":{"id":"a"},"tests":[{"testType":"otdr"},
-            {"testType":"power","testLocations":[{"location":"A"},{"location":"B"}]}]})");
+        m_files.write("a.job.json", json{ { "details", { { "id", "a" } } }, { "tests", m_tests } }.dump());
         Arguments all{ "--load", (m_files.path() / "a.job.json").string() };
         all.insert(all.end(), arguments.begin(), arguments.end());
         m_service.setArguments(all);

@@ -1,6 +1,7 @@
 // Walks the interface's description: every route of the file against a running service, and every route of
 // the service against the file.
 
+#include "service/Instrument.h"
 #include "service/JobApi.h"
 #include "service/SimulatedBench.h"
 #include "service/TestApi.h"
@@ -245,7 +246,8 @@ TEST_F(OpenApiTest, everyRouteOfTheServiceIsDescribedAndNoOther)
     jobmanager_test::TemporaryFolder folder;
     job_service::JobStore store(folder.path());
     job_service::SimulatedBench bench({});
-    job_service::TestRunner runner(store, bench);
+    const job_service::Instrument instrument;
+    job_service::TestRunner runner(store, instrument, bench);
     std::set<std::string> served;
     for (const auto& routes : { job_service::JobApi(store, "").routes(), job_service::TestApi(runner).routes(),
              job_service::TransferApi(store, job_service::MediaRoots({})).routes() }) {

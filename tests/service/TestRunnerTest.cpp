@@ -1,5 +1,6 @@
 #include "service/TestRunner.h"
 
+#include "service/Instrument.h"
 #include "service/UtcTime.h"
 #include "tests/service/ScriptedBench.h"
 #include "tests/service/StoreFixture.h"
@@ -20,6 +21,7 @@ constexpr const char* busy = "ERROR_CUSTOM_NONFATAL^Another test is still runnin
 class TestRunnerTest : public jobmanager_test::StoreFixture
 {
 protected:
+    const Instrument m_instrument;
     jobmanager_test::ScriptedBench m_bench;
     std::optional<TestRunner> m_runner;
 
@@ -27,7 +29,7 @@ protected:
     {
         addJob("a");
         store().setActiveJob("a");
-        m_runner.emplace(store(), m_bench);
+        m_runner.emplace(store(), m_instrument, m_bench);
     }
     void TearDown() override { m_runner.reset(); }
 
@@ -289,7 +291,7 @@ TEST_F(TestRunnerTest, stoppingEndsARunWithoutAResult)
     m_runner.reset();
     EXPECT_EQ(store().changeCount(), before);
     EXPECT_EQ(results("/tests/0"), json());
-    m_runner.emplace(store(), m_bench);
+    m_runner.emplace(store(), m_instrument, m_bench);
     EXPECT_EQ(launch("0"), "") << "the test can be launched again";
 }
 

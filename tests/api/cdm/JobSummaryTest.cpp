@@ -23,6 +23,8 @@ const Case cases[] = {
     { "testWithoutFlagIsRequired", R"([{}])", 1, 0 },
     { "requiredTestWithStatusIsCompleted", R"([{"required": true, "results": {"status": "failed"}}])", 1, 1 },
     { "emptyStatusIsNoStatus", R"([{"results": {"status": ""}}])", 1, 0 },
+    { "aRunThatBrokeOffCompletesNothing", R"([{"results": {"status": "error"}}, {"results": {"status": "Error"}}])", 2,
+        1 },
     { "resultsWithoutStatusAreNoStatus", R"([{"results": {"time": "now"}}])", 1, 0 },
     { "optionalTestDoesNotCount", R"([{"required": false, "results": {"status": "passed"}}])", 0, 0 },
     { "emptyLocationListIsNone", R"([{"testLocations": [], "results": {"status": "passed"}}])", 1, 1 },
