@@ -1,5 +1,6 @@
 #include "tests/api/Readings.h"
 #include "tests/support/ConcreteMockApi.h"
+#include "tests/support/DisplayInfoText.h"
 
 #include <csignal>
 #include <functional>
@@ -17,18 +18,6 @@ using namespace jobmanager_ui;
 using Read = std::function<QVariant(MockJobManagerAPI&)>;
 
 namespace {
-
-/// All fields of the record in one line, so that a difference shows as a whole.
-QString text(const PropertyDisplayInfo& info)
-{
-    return QStringLiteral("name=%1 label=%2 type=%3 editable=%4 visible=%5 regex=%6 values=%7 order=%8")
-        .arg(info.propName, info.label)
-        .arg(info.type)
-        .arg(info.editable)
-        .arg(info.visible)
-        .arg(info.regex, info.validValues.join(QLatin1Char(',')))
-        .arg(info.orderIndex);
-}
 
 /// Calls its own type of test something else.
 class RenamingApi : public ConcreteMockApi
@@ -106,20 +95,17 @@ private Q_SLOTS:
     void jobPropertyIsShownByItsName_data()
     {
         QTest::addColumn<QString>("info");
-        QTest::newRow("otherJobProperty")
-            << "name=otherJobProperty label=API Label type=0 editable=1 visible=1 regex= values= order=0";
-        QTest::newRow("numberJobProperty")
-            << "name=numberJobProperty label= type=1 editable=1 visible=1 regex= values= order=0";
-        QTest::newRow("onlyLetters")
-            << "name=onlyLetters label= type=0 editable=1 visible=1 regex=[a-zA-Z]+ values= order=0";
-        QTest::newRow("customer") << "name=customer label= type=0 editable=1 visible=1 regex= values= order=0";
+        QTest::newRow("otherJobProperty") << "otherJobProperty | API Label | type 0 | editable 1 | visible 1 |  |  | 0";
+        QTest::newRow("numberJobProperty") << "numberJobProperty |  | type 1 | editable 1 | visible 1 |  |  | 0";
+        QTest::newRow("onlyLetters") << "onlyLetters |  | type 0 | editable 1 | visible 1 | [a-zA-Z]+ |  | 0";
+        QTest::newRow("customer") << "customer |  | type 0 | editable 1 | visible 1 |  |  | 0";
     }
 
     void jobPropertyIsShownByItsName()
     {
         const QString name = QString::fromLatin1(QTest::currentDataTag());
-        QTEST(text(m_api->getOptionalJobPropertyDisplayInfo(QStringLiteral("JOB1"), name)), "info");
-        QTEST(text(m_api->getOptionalJobPropertyDisplayInfo(QStringLiteral("unknown"), name)), "info");
+        QTEST(displayInfoText(m_api->getOptionalJobPropertyDisplayInfo(QStringLiteral("JOB1"), name)), "info");
+        QTEST(displayInfoText(m_api->getOptionalJobPropertyDisplayInfo(QStringLiteral("unknown"), name)), "info");
     }
 
     void testPropertyNamesAreTheSameForAnyTest_data()
@@ -153,8 +139,8 @@ private Q_SLOTS:
     {
         QFETCH(QString, job);
         const QString name = QString::fromLatin1(QTest::currentDataTag());
-        QCOMPARE(text(m_api->getOptionalTestPropertyDisplayInfo(job, 0, name)),
-            QStringLiteral("name=%1 label= type=0 editable=1 visible=1 regex= values= order=0").arg(name));
+        QCOMPARE(displayInfoText(m_api->getOptionalTestPropertyDisplayInfo(job, 0, name)),
+            QStringLiteral("%1 |  | type 0 | editable 1 | visible 1 |  |  | 0").arg(name));
     }
 
     // Fixed answers.

@@ -2,6 +2,7 @@
 #include "core/JobManagerWorker.h"
 #include "tests/core/RecordedManager.h"
 #include "tests/support/FlatView.h"
+#include "tests/support/ManagerValues.h"
 #include "tests/support/MessageCollector.h"
 #include "tests/support/MetaObjectText.h"
 #include "tests/support/RecordingApi.h"
@@ -173,20 +174,8 @@ method setLanguage(QString))"));
 
     void builtManagerHasDefaults_data()
     {
-        QTest::addColumn<QVariant>("value");
-        QTest::newRow("isTestLaunching") << QVariant(false);
-        QTest::newRow("isSyncInProgress") << QVariant(false);
-        QTest::newRow("isQueryChangeCountInProgress") << QVariant(false);
-        QTest::newRow("useInternalKeyboard") << QVariant(true);
+        addValuesOfAnUnusedManager();
         QTest::newRow("fetchingJobList") << QVariant(false);
-        QTest::newRow("settingCurrentJob") << QVariant(false);
-        QTest::newRow("exportingJobData") << QVariant(false);
-        QTest::newRow("exportJobDataOutputPath") << QVariant(QString());
-        QTest::newRow("importingJobs") << QVariant(false);
-        QTest::newRow("importJobsNumberJobs") << QVariant(0);
-        QTest::newRow("exchangingJob") << QVariant(false);
-        QTest::newRow("jobExchangeStatus") << QVariant(false);
-        QTest::newRow("pauseAutomaticUpdates") << QVariant(false);
     }
 
     void builtManagerHasDefaults()

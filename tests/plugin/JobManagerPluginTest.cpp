@@ -1,3 +1,4 @@
+#include "tests/support/ManagerValues.h"
 #include "tests/support/MessageCollector.h"
 #include "tests/support/PrivateNetwork.h"
 
@@ -107,22 +108,9 @@ private Q_SLOTS:
 
     void propertiesAreReadableFromQml_data()
     {
-        QTest::addColumn<QVariant>("value");
+        addValuesOfAnUnusedManager();
         QTest::newRow("currentJob") << QVariant::fromValue<QObject*>(nullptr);
-        QTest::newRow("isTestLaunching") << QVariant(false);
-        QTest::newRow("isSyncInProgress") << QVariant(false);
-        QTest::newRow("isQueryChangeCountInProgress") << QVariant(false);
-        QTest::newRow("groupType") << QVariant(1);
-        QTest::newRow("useInternalKeyboard") << QVariant(true);
         QTest::newRow("fetchingJobList") << QVariant(true);
-        QTest::newRow("settingCurrentJob") << QVariant(false);
-        QTest::newRow("exportingJobData") << QVariant(false);
-        QTest::newRow("exportJobDataOutputPath") << QVariant(QString());
-        QTest::newRow("importingJobs") << QVariant(false);
-        QTest::newRow("importJobsNumberJobs") << QVariant(0);
-        QTest::newRow("exchangingJob") << QVariant(false);
-        QTest::newRow("jobExchangeStatus") << QVariant(false);
-        QTest::newRow("pauseAutomaticUpdates") << QVariant(false);
     }
 
     void propertiesAreReadableFromQml()

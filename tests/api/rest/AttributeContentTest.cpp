@@ -2,6 +2,7 @@
 
 #include "tests/api/rest/CerrCapture.h"
 #include "tests/api/rest/WithJob.h"
+#include "tests/support/DisplayInfoText.h"
 #include "tests/support/MessageCollector.h"
 
 #include <QtTest>
@@ -57,22 +58,11 @@ bool isTaken(const QByteArray& key, const json& member)
     return member.is_string();
 }
 
-QString text(const PropertyDisplayInfo& info)
-{
-    return QStringLiteral("%1 | %2 | type %3 | editable %4 | visible %5 | %6 | %7 | %8")
-        .arg(info.propName, info.label)
-        .arg(info.type)
-        .arg(info.editable)
-        .arg(info.visible)
-        .arg(info.regex, info.validValues.join(QLatin1Char(',')))
-        .arg(info.orderIndex);
-}
-
 /// Everything that a screen gets of the attribute with this content.
 QString shown(const json& content)
 {
     WithJob api(jobWithAttributes({ { "name", content } }));
-    return text(api->getOptionalJobPropertyDisplayInfo(job, someProperty)) + QStringLiteral(" = ")
+    return displayInfoText(api->getOptionalJobPropertyDisplayInfo(job, someProperty)) + QStringLiteral(" = ")
         + api->getOptionalJobProperty(job, someProperty).toString();
 }
 
