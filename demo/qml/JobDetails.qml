@@ -12,16 +12,20 @@ ColumnLayout {
     required property JobTexts summary
     /// When the job was last modified, as the service's own text.
     property string modifiedOn: ""
+    required property PropertyFeed properties
+    readonly property alias flickable: flickable
 
     /// The person wants the job in the archive, or out of it.
     signal archiveToggled()
+    /// The person is to read this.
+    signal told(string message, bool failed)
 
     spacing: 0
 
     Flickable {
         id: flickable
         clip: true
-        contentHeight: card.height + 2 * Theme.margin
+        contentHeight: form.y + form.height + Theme.margin
         boundsBehavior: Flickable.StopAtBounds
         ScrollBar.vertical: ScrollBar { width: 10 }
         Layout.fillWidth: true
@@ -98,6 +102,16 @@ ColumnLayout {
                     }
                 }
             }
+        }
+
+        PropertyForm {
+            id: form
+            objectName: "properties"
+            x: Theme.margin
+            y: card.y + card.height + Theme.margin
+            width: card.width
+            feed: details.properties
+            onTold: details.told(message, failed)
         }
     }
     Rectangle {

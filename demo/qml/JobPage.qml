@@ -20,6 +20,7 @@ PageFrame {
     property string modifiedOn: ""
     readonly property alias feed: feed
     readonly property alias tests: tests
+    readonly property alias properties: properties
     readonly property alias tools: tools
 
     /// The person wants to see this test.
@@ -62,6 +63,10 @@ PageFrame {
     }
     TestFeed {
         id: feed
+        job: page.job
+    }
+    PropertyFeed {
+        id: properties
         job: page.job
     }
     Connections {
@@ -136,6 +141,8 @@ PageFrame {
             objectName: "details"
             summary: texts
             modifiedOn: page.modifiedOn
+            properties: properties
+            onTold: notice.show(message)
             onArchiveToggled: page.toggleArchived()
         }
     }

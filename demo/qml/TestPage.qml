@@ -22,6 +22,7 @@ PageFrame {
         id: details
         test: page.test
         readable: page.feed !== null && page.feed.readable
+        onFresh: properties.read()
     }
     Connections {
         target: page.feed ? page.feed.job : null
@@ -108,6 +109,13 @@ PageFrame {
                     width: content.width
                     name: qsTr("Configuration")
                     value: details.configuration.join("\n")
+                }
+                TestProperties {
+                    id: properties
+                    objectName: "properties"
+                    width: content.width
+                    test: page.test
+                    job: page.feed ? page.feed.job : null
                 }
                 DetailField {
                     objectName: "guide"

@@ -128,6 +128,17 @@ void JobServiceClient::setResult(const QString& id, const QString& uiIndex, cons
     sendResult(id, uiIndex, status, QDateTime::currentDateTimeUtc().toString(Qt::ISODateWithMs));
 }
 
+void JobServiceClient::setAttributes(const QString& id, const QJsonObject& attributes) const
+{
+    send("PUT", jobPath(id) + QStringLiteral("/attributes"), attributes);
+}
+
+void JobServiceClient::writeAttribute(const QString& id, const QString& name, const QString& value) const
+{
+    const QJsonObject attribute{ { QStringLiteral("value"), value } };
+    send("PATCH", jobPath(id), { { QStringLiteral("jobManagerAttributes"), QJsonObject{ { name, attribute } } } });
+}
+
 void JobServiceClient::completeJob(const QString& id) const
 {
     const QStringList indexes = indexStrings(document(id));

@@ -35,6 +35,10 @@ public:
     bool isTestRunning() const;
     /// Gives the test or location with this index string a result, of now.
     void setResult(const QString& id, const QString& uiIndex, const QString& status) const;
+    /// Replaces the attributes of the job.
+    void setAttributes(const QString& id, const QJsonObject& attributes) const;
+    /// Writes the value of one attribute of the job.
+    void writeAttribute(const QString& id, const QString& name, const QString& value) const;
     /// Gives every test and location of the job a passing result, which completes its required tests.
     void completeJob(const QString& id) const;
 

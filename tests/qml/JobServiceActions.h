@@ -2,6 +2,7 @@
 
 #include "tests/end_to_end/JobServiceClient.h"
 
+#include <QJsonObject>
 #include <QObject>
 #include <QVariantMap>
 
@@ -22,6 +23,17 @@ public:
     Q_INVOKABLE void setActiveJob(const QString& id) const { m_client.setActiveJob(id); }
     Q_INVOKABLE void completeJob(const QString& id) const { m_client.completeJob(id); }
     Q_INVOKABLE QVariantMap document(const QString& id) const { return m_client.document(id).toVariantMap(); }
+    /// Replaces the attributes of the job.
+    Q_INVOKABLE void setAttributes(const QString& id, const QVariantMap& attributes) const
+    {
+        m_client.setAttributes(id, QJsonObject::fromVariantMap(attributes));
+    }
+    /// Writes the value of one attribute of the job.
+    Q_INVOKABLE void writeAttribute(const QString& id, const QString& name, const QString& value) const
+    {
+        m_client.writeAttribute(id, name, value);
+    }
+    Q_INVOKABLE int changeCount() const { return m_client.changeCount(); }
     /// Gives the test or location with this index string a result, of now.
     Q_INVOKABLE void setResult(const QString& id, const QString& uiIndex, const QString& status) const
     {

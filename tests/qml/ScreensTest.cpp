@@ -14,6 +14,14 @@
 
 namespace {
 
+/// What the service does with writes of some attributes of the tests' own.
+constexpr const char* attributeRules = R"({"jobManagerAttributes": {
+    "refusedText": {"refuse": "Dispatch owns it."},
+    "refusedChoice": {"refuse": "Dispatch owns it."},
+    "cabinet": {"trim": true, "upperCase": true},
+    "slow": {"delayMs": 300}
+}})";
+
 /// The exit code that tells the test runner that the test could not be run here.
 constexpr int skipped = 77;
 
@@ -25,13 +33,12 @@ class ScreensSetup : public QObject
     Q_OBJECT
 
 public:
-    /// Starts the service, in a folder where there is the guide of one test of the samples.
+    /// Starts the service, in a folder where there are its attribute rules and the guide of one test of the samples.
     bool startService()
     {
         QDir folder(m_folder.path());
-        QFile guide(m_folder.filePath(QStringLiteral("guides/otdr-bidirectional.pdf")));
-        if (!folder.mkpath(QStringLiteral("guides")) || !guide.open(QIODevice::WriteOnly)
-            || !QDir::setCurrent(m_folder.path())) {
+        if (!folder.mkpath(QStringLiteral("guides")) || !write("guides/otdr-bidirectional.pdf", "")
+            || !write("rules.json", attributeRules) || !QDir::setCurrent(m_folder.path())) {
             return false;
         }
         m_service.setPort(modulePort);
@@ -48,8 +55,15 @@ public Q_SLOTS:
     }
 
 private:
+    bool write(const char* name, const char* content) const
+    {
+        QFile file(m_folder.filePath(QString::fromLatin1(name)));
+        return file.open(QIODevice::WriteOnly) && file.write(content) >= 0 && file.flush();
+    }
+
     QTemporaryDir m_folder;
-    jobmanager_test::ServiceProcess m_service{ { "--load", JOBMANAGER_SAMPLES, "--generate", "jobs=1,tests=5000" } };
+    jobmanager_test::ServiceProcess m_service{ { "--load", JOBMANAGER_SAMPLES, "--generate", "jobs=1,tests=5000",
+        "--attribute-rules", "rules.json" } };
     JobServiceActions m_actions{ modulePort };
 };
 
