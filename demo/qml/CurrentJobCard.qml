@@ -1,13 +1,14 @@
 import QtQuick 2.15
 import QtQuick.Controls 2.15
 import QtQuick.Layouts 1.15
+import JobManagerUi 1.0
 
 /// The job that the technician works on, above all others; a line that says so if there is none.
 AbstractButton {
     id: card
 
     /// The current job, or null.
-    property QtObject job: null
+    property Job job: null
 
     implicitHeight: job ? 84 : Theme.touch
     enabled: job !== null

@@ -1,6 +1,7 @@
 import QtQuick 2.15
 import QtQuick.Controls 2.15
 import QtQuick.Layouts 1.15
+import JobManagerUi 1.0
 
 import "JobTable.js" as JobTable
 
@@ -14,7 +15,7 @@ AbstractButton {
     required property string jobSort
 
     /// The job, or null.
-    property QtObject job: null
+    property Job job: null
     property bool selected: false
 
     implicitHeight: 84

@@ -1,10 +1,11 @@
 import QtQuick 2.15
+import JobManagerUi 1.0
 
 /// What the screens show of a job, and something fitting while there is none: a job ends when it leaves the service,
 /// also while a screen shows it.
 QtObject {
     /// The job, or null.
-    property QtObject job: null
+    property Job job: null
 
     readonly property string number: job ? job.jobNumber : ""
     readonly property string label: job ? job.workOrderLabel : ""

@@ -11,10 +11,10 @@ QtObject {
     id: feed
 
     /// The job, or null.
-    property QtObject job: null
+    property Job job: null
 
     /// The list of tests, also over an update; null until it has been fetched for the first time.
-    property QtObject list: null
+    property TestList list: null
     readonly property bool readable: feed.fetched !== null && !JobManager.fetchingJobList
     readonly property bool busy: JobManager.fetchingJobList || (feed.job !== null && feed.job.fetchInProgress)
 
@@ -33,7 +33,7 @@ QtObject {
     }
 
     // The first read starts the fetch, so nothing else may stand in this binding.
-    readonly property QtObject fetched: feed.job ? feed.job.tests : null
+    readonly property TestList fetched: feed.job ? feed.job.tests : null
     property int wantedGroupType: -1
     readonly property string searchPattern: feed.searchText.trim().replace(/[$()*+.?[\]\\^{|}]/g, "\\$&")
 
