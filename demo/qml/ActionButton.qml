@@ -1,11 +1,15 @@
 import QtQuick 2.15
 import QtQuick.Controls 2.15
 
-/// A button that a finger hits. `quiet` is for what stands beside a main action.
+/// A button that a finger hits. `quiet` is for what stands beside a main action, `danger` for what destroys.
 AbstractButton {
     id: button
 
     property bool quiet: false
+    property bool danger: false
+
+    readonly property color colour: button.danger ? Theme.failed : Theme.accent
+    readonly property color pressedColour: button.danger ? Theme.failedPressed : Theme.accentPressed
 
     implicitHeight: Theme.touch
     implicitWidth: Math.max(Theme.touch, label.implicitWidth + 4 * Theme.gap)
@@ -14,15 +18,15 @@ AbstractButton {
     contentItem: PlainLabel {
         id: label
         text: button.text
-        color: button.quiet ? Theme.accent : Theme.barText
+        color: button.quiet ? button.colour : Theme.barText
         font.bold: true
         horizontalAlignment: Text.AlignHCenter
     }
     background: Rectangle {
         radius: Theme.radius
         color: button.quiet ? (button.down ? Theme.cardPressed : Theme.card)
-                            : (button.down ? Theme.accentPressed : Theme.accent)
+                            : (button.down ? button.pressedColour : button.colour)
         border.width: button.quiet || button.visualFocus ? (button.visualFocus ? 3 : 1) : 0
-        border.color: button.quiet ? Theme.accent : Theme.text
+        border.color: button.quiet ? button.colour : Theme.text
     }
 }

@@ -11,7 +11,7 @@ AbstractButton {
     contentItem: PlainLabel {
         id: label
         text: button.text
-        color: Theme.barText
+        color: button.enabled ? Theme.barText : Theme.barTextQuiet
         horizontalAlignment: Text.AlignHCenter
     }
     background: Rectangle {

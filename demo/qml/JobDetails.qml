@@ -4,7 +4,7 @@ import QtQuick.Layouts 1.15
 
 import "JobTable.js" as JobTable
 
-/// Everything that the job list knows of one job, and the way into the archive and out of it.
+/// Everything that the job list knows of one job, the way into the archive and out of it, and the end of the job.
 ColumnLayout {
     id: details
 
@@ -19,6 +19,8 @@ ColumnLayout {
     signal archiveToggled()
     /// The person is to read this.
     signal told(string message, bool failed)
+    /// The person wants the job deleted, and has not been asked yet.
+    signal deletionWanted()
 
     spacing: 0
 
@@ -114,16 +116,19 @@ ColumnLayout {
             onTold: details.told(message, failed)
         }
     }
-    Rectangle {
-        color: Theme.card
-        implicitHeight: Theme.touch + 2 * Theme.gap
+    ActionBar {
         Layout.fillWidth: true
 
         ActionButton {
+            objectName: "deleteButton"
+            quiet: true
+            danger: true
+            text: qsTr("Delete job")
+            onClicked: details.deletionWanted()
+        }
+        ActionButton {
             objectName: "archiveButton"
             anchors.right: parent.right
-            anchors.rightMargin: Theme.margin
-            anchors.verticalCenter: parent.verticalCenter
             text: details.summary.archived ? qsTr("Restore job") : qsTr("Archive job")
             onClicked: details.archiveToggled()
         }

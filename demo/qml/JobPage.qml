@@ -5,7 +5,8 @@ import JobManagerUi 1.0
 
 import "JobTable.js" as JobTable
 
-/// One job: its tests, and everything that the job list knows of it.
+/// One job: its tests, and everything that the job list knows of it; whether it is the current one, and how long it is
+/// kept.
 PageFrame {
     id: page
 
@@ -14,8 +15,14 @@ PageFrame {
     /// The job; null from the moment it is gone from the service.
     property QtObject job: null
 
+    /// What became of the last launch.
+    property LaunchWatch watch: null
+
     property bool detailsShown: false
+    /// The person has just deleted the job here.
+    property bool deleted: false
     readonly property bool gone: job === null
+    readonly property bool current: !gone && JobManager.currentJob === job
     readonly property bool loading: !gone && feed.list === null
     property string modifiedOn: ""
     readonly property alias feed: feed
@@ -25,6 +32,8 @@ PageFrame {
 
     /// The person wants to see this test.
     signal testChosen(QtObject test, TestFeed feed)
+    /// The person wants this job to be the current one; null for none.
+    signal currentJobWanted(QtObject job)
 
     function readModifiedOn() {
         const row = JobTable.rowOf(JobManager, page.jobID)
@@ -32,24 +41,57 @@ PageFrame {
             page.modifiedOn = JobTable.valueAt(JobManager, row, JobTable.modifiedRole)
     }
 
+    function setArchived(archived) {
+        page.job.isArchived = archived
+        if (page.job.isArchived !== archived)
+            page.told(qsTr("Not changed: the job service did not accept it."), true)
+    }
+
+    /// Archives the job or restores it. Archiving the current job is asked about: it leaves no current job.
     function toggleArchived() {
-        const wanted = !page.job.isArchived
-        page.job.isArchived = wanted
-        if (page.job.isArchived !== wanted)
-            notice.show(qsTr("Not changed: the job service did not accept it."))
+        if (page.current && !page.job.isArchived)
+            archiveQuestion.open()
+        else
+            page.setArchived(!page.job.isArchived)
+    }
+
+    function deleteJob() {
+        const number = texts.number
+        page.deleted = JobManager.deleteJob(page.job)
+        if (!page.deleted) {
+            page.told(qsTr("Not deleted: the job service did not accept it."), true)
+            return
+        }
+        page.told(qsTr("%1 is deleted").arg(number), false)
+        page.finished()
     }
 
     title: gone ? qsTr("Job") : texts.number
-    subtitle: gone ? "" : [texts.label, texts.fullProgress].filter(text => text.length > 0).join(" \u2013 ")
+    subtitle: {
+        if (gone)
+            return ""
+        const parts = [current ? qsTr("Current job") : "", texts.label, texts.fullProgress]
+        return parts.filter(text => text.length > 0).join(" \u2013 ")
+    }
     barButtons: [
         BusyIndicator {
-            running: !page.gone && feed.busy
+            running: !page.gone && (feed.busy || JobManager.settingCurrentJob)
             implicitWidth: Theme.touch
             implicitHeight: Theme.touch
             palette.dark: Theme.barText
         },
         BarButton {
+            objectName: "currentButton"
+            // As wide with the one text as with the other.
+            implicitWidth: 136
+            visible: !page.gone
+            enabled: !JobManager.settingCurrentJob
+            text: page.current ? qsTr("Set aside") : qsTr("Make current")
+            onClicked: page.currentJobWanted(page.current ? null : page.job)
+        },
+        BarButton {
             objectName: "viewButton"
+            implicitWidth: 84
             visible: !page.gone
             text: page.detailsShown ? qsTr("Tests") : qsTr("Details")
             onClicked: page.detailsShown = !page.detailsShown
@@ -77,7 +119,7 @@ PageFrame {
     Connections {
         target: page.job
 
-        function onNewTestResultsReceived() { notice.show(qsTr("New test results")) }
+        function onNewTestResultsReceived() { page.told(qsTr("New test results"), false) }
     }
     Timer {
         // Not under another page, which has to go first.
@@ -118,6 +160,7 @@ PageFrame {
                 job: page.job
                 list: feed.list
                 readable: feed.readable
+                watch: page.watch
                 Layout.fillWidth: true
                 Layout.fillHeight: true
                 onChosen: page.testChosen(test, feed)
@@ -142,22 +185,37 @@ PageFrame {
             summary: texts
             modifiedOn: page.modifiedOn
             properties: properties
-            onTold: notice.show(message)
+            onTold: page.told(message, failed)
             onArchiveToggled: page.toggleArchived()
+            onDeletionWanted: deleteQuestion.open()
         }
     }
     EmptyState {
         objectName: "goneText"
         anchors.centerIn: parent
         width: parent.width - 4 * Theme.margin
-        visible: page.gone
+        visible: page.gone && !page.deleted
         text: qsTr("This job is gone: the job service has it no longer.")
     }
-    Notice {
-        id: notice
-        objectName: "notice"
-        anchors.horizontalCenter: parent.horizontalCenter
-        anchors.bottom: parent.bottom
-        anchors.bottomMargin: Theme.touch + 3 * Theme.gap
+    Question {
+        id: deleteQuestion
+        objectName: "deleteQuestion"
+        title: qsTr("Delete %1?").arg(texts.number)
+        text: qsTr("Its tests and their results go with it, and cannot be brought back.")
+        yes: qsTr("Delete job")
+        onConfirmed: page.deleteJob()
+    }
+    Question {
+        id: archiveQuestion
+        objectName: "archiveQuestion"
+        title: qsTr("Archive the current job?")
+        text: qsTr("%1 is then no longer the current job. It can be restored from the archive.").arg(texts.number)
+        yes: qsTr("Archive job")
+        danger: false
+        onConfirmed: page.setArchived(true)
+    }
+    onGoneChanged: {
+        deleteQuestion.close()
+        archiveQuestion.close()
     }
 }

@@ -16,6 +16,8 @@ PageFrame {
 
     /// The person wants to see this job.
     signal jobChosen(string id, QtObject job)
+    /// The person wants to make a new job.
+    signal newJobWanted()
     /// The person wants to see the settings.
     signal settingsWanted()
 
@@ -24,10 +26,24 @@ PageFrame {
     canGoBack: false
     barButtons: [
         BusyIndicator {
-            running: JobManager.fetchingJobList
+            objectName: "busy"
+            running: JobManager.fetchingJobList || JobManager.isSyncInProgress
             implicitWidth: Theme.touch
             implicitHeight: Theme.touch
             palette.dark: Theme.barText
+        },
+        BarButton {
+            objectName: "syncButton"
+            enabled: !JobManager.isSyncInProgress
+            // As wide while it says something else.
+            implicitWidth: 96
+            text: JobManager.isSyncInProgress ? qsTr("Syncing\u2026") : qsTr("Sync")
+            onClicked: JobManager.syncWithNimbrel()
+        },
+        BarButton {
+            objectName: "newJobButton"
+            text: qsTr("New job")
+            onClicked: page.newJobWanted()
         },
         BarButton {
             objectName: "settingsButton"

@@ -2,6 +2,8 @@ import QtQuick 2.15
 import QtQuick.Controls 2.15
 import JobManagerUi 1.0
 
+import "JobTable.js" as JobTable
+
 /// The window of the front end.
 ApplicationWindow {
     id: window
@@ -13,11 +15,23 @@ ApplicationWindow {
     readonly property alias jobsPage: jobsPage
 
     function showJob(id, job, operation = StackView.PushTransition) {
-        pages.push("JobPage.qml", { jobID: id, job: job }, operation)
+        pages.push("JobPage.qml", { jobID: id, job: job, watch: watch }, operation)
     }
 
     function showTest(test, feed) {
-        pages.push("TestPage.qml", { test: test, feed: feed })
+        pages.push("TestPage.qml", { test: test, feed: feed, watch: watch })
+    }
+
+    /// The page of a job that has just been created here, in the place of the page that it was created on.
+    function showNewJob(job) {
+        // Between the creation and the news of it somebody else may have deleted it.
+        if (job === null)
+            return
+        const properties = { jobID: JobTable.idOf(JobManager, job), job: job, watch: watch }
+        if (pages.currentItem instanceof NewJobPage)
+            pages.replace("JobPage.qml", properties)
+        else
+            pages.push("JobPage.qml", properties)
     }
 
     function goBack() {
@@ -46,6 +60,7 @@ ApplicationWindow {
         initialItem: JobsPage {
             id: jobsPage
             onJobChosen: window.showJob(id, job)
+            onNewJobWanted: pages.push("NewJobPage.qml")
             onSettingsWanted: pages.push("SettingsPage.qml")
         }
         pushEnter: Transition { NumberAnimation { property: "x"; from: pages.width; to: 0; duration: Theme.slide } }
@@ -55,11 +70,35 @@ ApplicationWindow {
     }
     Connections {
         target: pages.currentItem
-        // Not every page lets a test be chosen.
+        // Not every page lets everything be chosen.
         ignoreUnknownSignals: true
 
         function onFinished() { window.goBack() }
+        function onTold(message, failed) { notice.show(message, failed) }
         function onTestChosen(test, feed) { window.showTest(test, feed) }
+        function onCurrentJobWanted(job) { currentJobRequest.ask(job) }
+        // Inside a reset of the rows, from which a page had better not be built.
+        function onCreated(job) { Qt.callLater(window.showNewJob, job) }
+    }
+    Connections {
+        target: JobManager
+
+        // Inside a reset, too.
+        function onNewJobCreated(job) { Qt.callLater(window.showNewJob, job) }
+    }
+    CurrentJobRequest {
+        id: currentJobRequest
+        onRefused: notice.show(wantsNone ? qsTr("Still the current job: the job service did not accept it.")
+                                         : qsTr("Not made current: the job service did not accept it."), true)
+    }
+    LaunchWatch {
+        id: watch
+    }
+    Notice {
+        id: notice
+        objectName: "notice"
+        x: Math.round((window.width - width) / 2)
+        y: window.height - height - Theme.touch - 3 * Theme.gap
     }
     Shortcut {
         sequences: ["Escape", "Back", StandardKey.Back]

@@ -1,13 +1,17 @@
 import QtQuick 2.15
 
-/// What a manual test asks of the technician, in which kind of answer, and the answer that there is.
+/// What a manual test asks of the technician, the answer that there is, and how to answer where that is possible.
 Rectangle {
     id: prompt
 
     property alias prompt: promptText.text
     property string answerType: ""
     property var options: []
+    /// The answer that there is.
     property string answer: ""
+    /// The answer that is being recorded; empty if none is.
+    property string pendingAnswer: ""
+    property bool answerable: false
 
     readonly property string kind: {
         switch (prompt.answerType) {
@@ -19,6 +23,9 @@ Rectangle {
         default: return prompt.answerType
         }
     }
+
+    /// The person answers this.
+    signal answered(string answer)
 
     implicitHeight: column.height + 2 * Theme.margin
     radius: Theme.radius
@@ -43,9 +50,19 @@ Rectangle {
             maximumLineCount: 100
             horizontalAlignment: Text.AlignLeft
         }
+        ManualAnswer {
+            objectName: "manualAnswer"
+            width: column.width
+            visible: prompt.answerable
+            answerType: prompt.answerType
+            options: prompt.options
+            answer: prompt.pendingAnswer.length > 0 ? prompt.pendingAnswer : prompt.answer
+            onAnswered: prompt.answered(answer)
+        }
         DetailField {
             objectName: "answerKind"
             width: column.width
+            visible: !prompt.answerable
             name: qsTr("Kind of answer")
             value: prompt.kind
         }

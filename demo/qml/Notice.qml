@@ -1,20 +1,22 @@
 import QtQuick 2.15
 
-/// A short message over the lower end of a page; it goes by itself.
+/// A short message over the lower end of a page; it goes by itself. What has failed stands out, and stays longer.
 Rectangle {
     id: notice
 
     readonly property alias text: label.text
+    property bool failed: false
 
-    function show(message) {
+    function show(message, failed = false) {
         label.text = message
+        notice.failed = failed
         timer.restart()
     }
 
     implicitWidth: Math.min(label.implicitWidth + 4 * Theme.gap, parent.width - 2 * Theme.margin)
     implicitHeight: Theme.touch
     radius: Theme.radius
-    color: Theme.notice
+    color: notice.failed ? Theme.failed : Theme.notice
     visible: timer.running
 
     PlainLabel {
@@ -28,6 +30,6 @@ Rectangle {
     }
     Timer {
         id: timer
-        interval: 4000
+        interval: notice.failed ? 6000 : 4000
     }
 }

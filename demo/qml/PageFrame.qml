@@ -11,6 +11,8 @@ Page {
 
     /// The page has done its part; whoever shows it takes it away.
     signal finished()
+    /// The person is to read this, whatever page is shown then.
+    signal told(string message, bool failed)
 
     padding: 0
     background: Rectangle { color: Theme.page }

@@ -19,6 +19,8 @@ Item {
 
     /// The test that was chosen last.
     property QtObject marked: null
+    /// What became of the last launch, or null.
+    property LaunchWatch watch: null
 
     readonly property int count: view.rowCount
     readonly property alias flickable: flickable
@@ -204,6 +206,7 @@ Item {
                 readable: view.readable
                 name: section === null ? "" : view.nameOf(section.title)
                 marked: view.marked
+                running: view.watch !== null && view.watch.running ? view.watch.test : null
                 width: flickable.width
                 screenTop: flickable.contentY
                 screenHeight: flickable.height

@@ -99,7 +99,7 @@ Item {
 
         { name: "a new result in an unmoved list", picture: "tests-new-result",
           act: () => changeTest(page.tests.rowsOnScreen()[2].test, "fail"),
-          until: () => page.tests.flickable.contentY === seenAt && shows(page, "noticeText")
+          until: () => page.tests.flickable.contentY === seenAt && shows(window.contentItem, "noticeText")
                        && testRow(seenTest).status === "fail" },
 
         { name: "folded sections", picture: "tests-folded",
@@ -145,7 +145,7 @@ Item {
 
         { name: "a new result on the test's page", picture: "test-new-result",
           act: () => changeTest(seenTest, "skipped"),
-          until: () => page.details.status === "skipped" && shows(page, "noticeText") },
+          until: () => page.details.status === "skipped" && shows(window.contentItem, "noticeText") },
 
         { name: "the list of tests again, where it was",
           act: () => page.finished(),
@@ -302,7 +302,11 @@ Item {
     function takePicture(name) {
         ++pictures
         const file = folder + "/" + String(pictures).padStart(2, "0") + "-" + name + ".png"
-        const taken = window.pages.grabToImage(result => {
+        // With what stands over the pages.
+        let everything = window.pages
+        while (everything.parent !== null)
+            everything = everything.parent
+        const taken = everything.grabToImage(result => {
             if (!result.saveToFile(file)) {
                 fail("the file " + file)
                 return

@@ -1,8 +1,9 @@
 import QtQuick 2.15
 import QtQuick.Controls 2.15
 import QtQuick.Layouts 1.15
+import JobManagerUi 1.0
 
-/// One test, or one location of a test: what there is to do, how, and what came of it.
+/// One test, or one location of a test: what there is to do, how, and what came of it. It is done here, too.
 PageFrame {
     id: page
 
@@ -11,9 +12,15 @@ PageFrame {
     property QtObject test: null
     /// The tests of its job.
     property TestFeed feed: null
+    /// What became of the last launch.
+    property LaunchWatch watch: null
 
     readonly property bool gone: test === null
+    readonly property bool current: feed !== null && feed.job !== null && JobManager.currentJob === feed.job
     readonly property alias details: details
+
+    /// The person wants this job to be the current one.
+    signal currentJobWanted(QtObject job)
 
     title: gone ? qsTr("Test") : details.name
     subtitle: details.location
@@ -27,7 +34,13 @@ PageFrame {
     Connections {
         target: page.feed ? page.feed.job : null
 
-        function onNewTestResultsReceived() { notice.show(qsTr("New test results")) }
+        function onNewTestResultsReceived() { page.told(qsTr("New test results"), false) }
+    }
+    AnswerRequest {
+        id: answerRequest
+        test: page.test
+        readable: details.readable
+        answer: details.answer
     }
     Timer {
         running: page.gone
@@ -37,7 +50,9 @@ PageFrame {
 
     Flickable {
         id: flickable
-        anchors.fill: parent
+        anchors.top: parent.top
+        anchors.bottom: launchBar.top
+        width: parent.width
         clip: true
         contentHeight: card.height + 2 * Theme.margin
         boundsBehavior: Flickable.StopAtBounds
@@ -69,6 +84,7 @@ PageFrame {
 
                     TestStatusChip {
                         status: details.status
+                        running: launchBar.running
                         visible: details.statusKnown
                         Layout.maximumWidth: 240
                     }
@@ -91,6 +107,9 @@ PageFrame {
                     answerType: details.answerType
                     options: details.options
                     answer: details.answer
+                    pendingAnswer: answerRequest.wanted
+                    answerable: page.current
+                    onAnswered: answerRequest.record(answer)
                 }
                 DetailField {
                     objectName: "description"
@@ -134,11 +153,20 @@ PageFrame {
         visible: page.gone
         text: qsTr("This test is gone: its job has it no longer.")
     }
-    Notice {
-        id: notice
-        objectName: "notice"
-        anchors.horizontalCenter: parent.horizontalCenter
+    LaunchBar {
+        id: launchBar
+        objectName: "launchBar"
         anchors.bottom: parent.bottom
-        anchors.bottomMargin: Theme.touch
+        width: parent.width
+        visible: !page.gone
+        test: page.test
+        manual: details.manual
+        status: details.status
+        error: details.error
+        readable: details.readable
+        current: page.current
+        watch: page.watch
+        answerRequest: answerRequest
+        onCurrentJobWanted: page.currentJobWanted(page.feed.job)
     }
 }

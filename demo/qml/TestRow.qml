@@ -12,6 +12,7 @@ AbstractButton {
     property QtObject slice: null
     property bool readable: false
     property bool marked: false
+    property bool running: false
 
     // Not a required property that the view fills: a job ends before the rows of the old model do, and the view takes
     // that for a write to its own property.
@@ -85,14 +86,15 @@ AbstractButton {
 
             TestStatusChip {
                 status: texts.status
+                running: row.running
                 visible: texts.statusKnown
                 Layout.maximumWidth: 140
             }
             PlainLabel {
                 objectName: "time"
-                text: texts.time
+                text: texts.error.length > 0 ? qsTr("Not started") : texts.time
                 visible: text.length > 0
-                color: Theme.textQuiet
+                color: texts.error.length > 0 ? Theme.failed : Theme.textQuiet
                 font.pixelSize: Theme.small
                 Layout.fillWidth: true
             }

@@ -15,6 +15,8 @@ Item {
     property bool readable: false
     property string name
     property QtObject marked: null
+    /// The test that is running, or null.
+    property QtObject running: null
     /// The part of the whole height that is on the screen.
     property real screenTop: 0
     property real screenHeight: 0
@@ -75,6 +77,7 @@ Item {
             slice: place.slice
             readable: place.readable
             marked: test !== null && test === place.marked
+            running: test !== null && test === place.running
             onClicked: place.chosen(test)
         }
     }

@@ -1,19 +1,27 @@
 import QtQuick 2.15
 
-/// The status of a test; one that has none is open.
+/// The status of a test; one that has none is open. While the test runs, that stands here instead.
 Rectangle {
     id: chip
 
     property string status
+    property bool running: false
 
-    readonly property string kind: chip.status.toLowerCase()
+    readonly property bool known: chip.running || chip.status.length > 0
+    readonly property string kind: chip.running ? "running" : chip.status.toLowerCase()
 
     implicitWidth: label.implicitWidth + 2 * Theme.gap
     implicitHeight: label.implicitHeight + 6
     radius: height / 2
-    color: chip.kind === "pass" ? Theme.done : chip.kind === "fail" ? Theme.failed
-                                             : chip.kind.length > 0 ? Theme.notice : "transparent"
-    border.width: chip.kind.length > 0 ? 0 : 1
+    color: {
+        switch (chip.kind) {
+        case "pass": return Theme.done
+        case "fail": return Theme.failed
+        case "running": return Theme.accent
+        default: return chip.known ? Theme.notice : "transparent"
+        }
+    }
+    border.width: chip.known ? 0 : 1
     border.color: Theme.textQuiet
 
     PlainLabel {
@@ -21,10 +29,10 @@ Rectangle {
         objectName: "status"
         width: chip.width - 2 * Theme.gap
         anchors.centerIn: parent
-        text: chip.status.length > 0 ? chip.status : qsTr("open")
-        color: chip.status.length > 0 ? Theme.barText : Theme.textQuiet
+        text: chip.running ? qsTr("running") : chip.known ? chip.status : qsTr("open")
+        color: chip.known ? Theme.barText : Theme.textQuiet
         horizontalAlignment: Text.AlignHCenter
         font.pixelSize: Theme.small
-        font.bold: chip.status.length > 0
+        font.bold: chip.known
     }
 }

@@ -24,6 +24,8 @@ QtObject {
         default: return qsTr("Optional")
         }
     }
+    /// Why the test was not launched the last time, as the technician is to read it; empty if it was.
+    readonly property string error: test ? test.errorMessage : ""
     readonly property bool required: test !== null && test.testRequired === TestRequirement.TEST_REQUIRED
 
     /// The status as it was last readable, and whether it has been.

@@ -17,10 +17,12 @@ QtObject {
     readonly property color accentPressed: "#084f63"
     readonly property color done: "#2c7a3f"
     readonly property color failed: "#b3261e"
+    readonly property color failedPressed: "#7d1a15"
     readonly property color section: "#dde7f0"
     readonly property color track: "#d3dce4"
     readonly property color chip: "#dde7f0"
     readonly property color notice: "#2b3642"
+    readonly property color dim: "#a017212b"
 
     /// The least height and width of what a finger has to hit.
     readonly property int touch: 48

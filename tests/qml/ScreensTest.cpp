@@ -1,5 +1,6 @@
 #include "tests/end_to_end/Bounds.h"
 #include "tests/qml/JobServiceActions.h"
+#include "tests/qml/ServiceOutage.h"
 #include "tests/qml/WarningLog.h"
 #include "tests/support/PrivateNetwork.h"
 #include "tests/support/ServiceProcess.h"
@@ -52,6 +53,7 @@ public Q_SLOTS:
     {
         WarningLog::start();
         engine->rootContext()->setContextProperty(QStringLiteral("service"), &m_actions);
+        engine->rootContext()->setContextProperty(QStringLiteral("outage"), &m_outage);
     }
 
 private:
@@ -63,8 +65,9 @@ private:
 
     QTemporaryDir m_folder;
     jobmanager_test::ServiceProcess m_service{ { "--load", JOBMANAGER_SAMPLES, "--generate", "jobs=1,tests=5000",
-        "--attribute-rules", "rules.json" } };
+        "--attribute-rules", "rules.json", "--tech-id", "T-1031", "--start-seconds", "0.3", "--run-seconds", "1" } };
     JobServiceActions m_actions{ modulePort };
+    ServiceOutage m_outage{ m_service };
 };
 
 int main(int argc, char* argv[])
@@ -80,7 +83,7 @@ int main(int argc, char* argv[])
         return 1;
     }
     return WarningLog::exitCode(
-        quick_test_main_with_setup(argc, argv, "ScreensTest", QML_TEST_SOURCES "/screens", &setup));
+        quick_test_main_with_setup(argc, argv, SCREENS_TEST, QML_TEST_SOURCES "/" SCREENS_TEST_FOLDER, &setup));
 }
 
 #include "ScreensTest.moc"

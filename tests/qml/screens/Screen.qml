@@ -36,6 +36,7 @@ TestCase {
     }
 
     function cleanup() {
+        verify(outage.end())
         JobManager.pauseAutomaticUpdates = false
         JobManager.groupType = TestGroupType.DEFAULT_VIEW
     }

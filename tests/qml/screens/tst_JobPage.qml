@@ -99,7 +99,7 @@ Screen {
         mouseClick(findChild(page, "archiveButton"))
         compare(findChild(page, "archiveButton").text, "Archive job")
         compare(field("archived"), "No")
-        const notice = findChild(page, "notice")
+        const notice = findChild(window, "notice")
         verify(notice.visible)
         compare(notice.text, "Not changed: the job service did not accept it.")
     }

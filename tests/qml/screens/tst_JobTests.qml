@@ -177,7 +177,7 @@ Screen {
         tests.marked = test
         service.setResult("WO-2026-004400", shown[2], "rework")
         tryVerify(() => testRow(shown[2]).status === "rework", oneSecond())
-        const notice = findChild(page, "notice")
+        const notice = findChild(window, "notice")
         verify(notice.visible)
         compare(notice.text, "New test results")
         waitForRendering(window.pages)

@@ -65,7 +65,7 @@ Screen {
         const test = page.test
         service.setResult("WO-2026-004730", uiIndex, "rework")
         tryVerify(() => textIn(page, "status") === "rework", oneSecond())
-        const notice = findChild(page, "notice")
+        const notice = findChild(window, "notice")
         verify(notice.visible)
         compare(notice.text, "New test results")
         compare(page.test, test)
