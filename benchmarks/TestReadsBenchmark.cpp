@@ -1,9 +1,10 @@
-// What the reads of a job's tests cost a test through the REST implementation and its cache, beside a bare loop over
-// the same values in plain records. Ten reads of each test, as an update of its object makes them.
+// What the tests of a job cost a test through the REST implementation and its cache, beside a bare loop over the same
+// values in plain records: ten reads of each, as the rows of a screen make them, and a reload of their list.
 //
 // Only the service's client is a stand-in that answers from memory. Debug messages are off, as on the instrument.
 
 #include "api/rest/JobManagerRestAPI.h"
+#include "models/TestList.h"
 #include "tests/api/rest/Records.h"
 #include "tests/api/rest/StandInClient.h"
 
@@ -14,6 +15,7 @@
 using jobmanager_test::ClientAnswers;
 using jobmanager_test::StandInClient;
 using jobmanager_ui::JobManagerRestAPI;
+using jobmanager_ui::TestList;
 
 namespace {
 
@@ -49,15 +51,22 @@ public:
         ClientAnswers answers;
         answers.jobs[job.toStdString()] = jobmanager_test::jobOf(job.toStdString(), records(count));
         StandInClient::setAnswers(std::move(answers));
-        m_api = std::make_unique<JobManagerRestAPI>("127.0.0.1", static_cast<unsigned short>(8082));
-        m_api->fetchJob(job);
-        m_api->commitFetchedData();
+        m_api = std::make_shared<JobManagerRestAPI>("127.0.0.1", static_cast<unsigned short>(8082));
+        fetch();
     }
 
     JobManagerRestAPI& api() { return *m_api; }
+    const std::shared_ptr<JobManagerRestAPI>& shared() const { return m_api; }
+    /// Reads the job's record anew.
+    void fetch()
+    {
+        m_api->fetchJob(job);
+        m_api->commitFetchedData();
+        StandInClient::forgetCalls();
+    }
 
 private:
-    std::unique_ptr<JobManagerRestAPI> m_api;
+    std::shared_ptr<JobManagerRestAPI> m_api;
 };
 
 /// One test as it is shown.
@@ -108,12 +117,27 @@ void readTestsOfNewRecord(benchmark::State& state)
     for (auto round : state) {
         Q_UNUSED(round)
         state.PauseTiming();
-        tests.api().fetchJob(job);
-        tests.api().commitFetchedData();
-        StandInClient::forgetCalls();
+        tests.fetch();
         state.ResumeTiming();
         for (const long long id : ids)
             benchmark::DoNotOptimize(tenReads(tests.api(), id));
+    }
+    countPerTest(state);
+}
+
+/// What an update of the open job does when its new record is there.
+void reload(benchmark::State& state)
+{
+    ApiWithTests tests(static_cast<int>(state.range(0)));
+    TestList list(tests.shared(), job, TestList::TESTSUBSET_ALL);
+    list.updateDataFromAPIIfRequired();
+    for (auto round : state) {
+        Q_UNUSED(round)
+        state.PauseTiming();
+        tests.fetch();
+        state.ResumeTiming();
+        list.markAsUpdateRequired();
+        list.updateDataFromAPIIfRequired();
     }
     countPerTest(state);
 }
@@ -139,6 +163,7 @@ void bareLoop(benchmark::State& state)
 
 BENCHMARK(readTests)->Arg(100)->Arg(1000)->Arg(10000)->Unit(benchmark::kMicrosecond);
 BENCHMARK(readTestsOfNewRecord)->Arg(100)->Arg(1000)->Arg(10000)->Unit(benchmark::kMicrosecond);
+BENCHMARK(reload)->Arg(100)->Arg(1000)->Arg(10000)->Unit(benchmark::kMicrosecond);
 BENCHMARK(bareLoop)->Arg(100)->Arg(1000)->Arg(10000)->Unit(benchmark::kMicrosecond);
 
 int main(int argc, char* argv[])

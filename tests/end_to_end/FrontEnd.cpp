@@ -13,8 +13,7 @@ int roleNamed(const QAbstractItemModel* model, const QByteArray& name)
 } // namespace
 
 FrontEnd::FrontEnd()
-    : m_root(
-        page("import QtQml 2.15\nimport JobManagerUi 1.0\nQtObject { property QtObject manager: JobManager }"))
+    : m_root(page("import QtQml 2.15\nimport JobManagerUi 1.0\nQtObject { property QtObject manager: JobManager }"))
 {
     if (m_root)
         m_manager = m_root->property("manager").value<QObject*>();

@@ -218,8 +218,7 @@ void LiveTestsTest::eventLoopTurnsWhileAJobIsFetched()
     FrontEnd frontEnd;
     waitForRows(frontEnd);
     m_relay->hold(jobRoute(largeJob));
-    const auto page =
-        frontEnd.page(reader, { { QStringLiteral("job"), QVariant::fromValue(frontEnd.job(largeJob)) } });
+    const auto page = frontEnd.page(reader, { { QStringLiteral("job"), QVariant::fromValue(frontEnd.job(largeJob)) } });
     QVERIFY(m_relay->awaitHeld(jobRoute(largeJob)));
 
     // A fetch on this thread would have ended, or given up, before a single turn.

@@ -77,7 +77,8 @@ RawReply ServiceRelay::handOn(const std::string& request)
         m_changed.wait(lock, [&] { return m_holds.count(route) == 0 || m_ending; });
         m_held.erase(kept);
     }
-    const jobmanager_test::HttpReply reply = jobmanager_test::Connection(m_servicePort).request(addressedTo(request, m_servicePort));
+    const jobmanager_test::HttpReply reply =
+        jobmanager_test::Connection(m_servicePort).request(addressedTo(request, m_servicePort));
     RawReply relayed;
     relayed.bytes = bytesOf(reply);
     relayed.then = reply.status == 0 ? RawReply::Then::Close : RawReply::Then::KeepOpen;
