@@ -101,10 +101,11 @@ public:
     ///
     /// What QML writes goes to the data interface at once: see onPropertyValueChanged.
     QQmlPropertyMap* optionalProperties();
-    /// Lazy: how many optional properties are both editable and visible. Builds optionalProperties.
+    /// Lazy: how many optional properties are both editable and visible. Builds optionalProperties, and so emits its
+    /// own signal: a screen should bind to optionalProperties before it binds to this, or QML sees a binding loop.
     int getTotalNumberOfRequiredAttributes();
     /// Lazy: how many of these were empty as text when optionalProperties was built: edits are not counted before the
-    /// next update. Builds optionalProperties.
+    /// next update. Builds optionalProperties as the other count does.
     int getNumberOfIncompleteRequiredAttributes();
 
     /// Lazy: the rows that the job's form has, in order: the number, customer and type if the job has them, then the

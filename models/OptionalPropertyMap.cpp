@@ -22,8 +22,9 @@ void OptionalPropertyMap::show(const QString& name, const QVariant& value)
         return;
     }
     insert(name, value);
-    // The property's own signal is the last one of a write or a shown value, and QML hears it before this slot does.
-    const QMetaProperty property = metaObject()->property(metaObject()->indexOfProperty(name.toUtf8().constData()));
+    // The newest property is the last one. Its own signal is the last of a write or a shown value, and QML hears it
+    // before this slot does.
+    const QMetaProperty property = metaObject()->property(metaObject()->propertyCount() - 1);
     QMetaObject::connect(this, property.notifySignalIndex(), this, staticMetaObject.indexOfSlot("endDelivery()"));
 }
 

@@ -3,6 +3,7 @@
 #include "core/JobManagerWorker.h"
 #include "models/Job.h"
 #include "tests/support/MessageCollector.h"
+#include "tests/support/QmlObject.h"
 #include "tests/support/RecordingApi.h"
 #include "tests/support/SignalRecorder.h"
 
@@ -219,6 +220,26 @@ emit numberOfIncompleteRequiredAttributesChanged())"));
         QCOMPARE(m_job->getNumberOfIncompleteRequiredAttributes(), 1);
         m_job->updateDataFromAPI();
         QCOMPARE(m_job->getNumberOfIncompleteRequiredAttributes(), 0);
+    }
+
+    void bindingOnACountFollowsTheUpdatesWhereTheMapIsReadFirst()
+    {
+        m_job->setWorker(m_worker.get());
+        QQmlEngine engine;
+        const auto page = qmlObject(engine, R"(QtObject {
+            property QtObject job
+            property QtObject values: job ? job.optionalProperties : null
+            property int open: job ? job.numberOfIncompleteRequiredAttributes : -1
+        })");
+        page->setProperty("job", QVariant::fromValue(m_job.get()));
+        m_job->onFetchJobFinished(id);
+        QCOMPARE(page->property("open").toInt(), 1);
+        store(b, typed);
+        m_job->updateDataFromAPI();
+        m_job->isBackgroundFetchCompleted();
+        m_job->onFetchJobFinished(id);
+        QCOMPARE(page->property("open").toInt(), 0);
+        QCOMPARE(m_journal.take().filter(QStringLiteral("warning: ")), QStringList());
     }
 
     // The gate.
