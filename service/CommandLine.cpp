@@ -135,6 +135,8 @@ CommandLine parseCommandLine(const std::vector<std::string>& arguments)
             line.techId = value();
         else if (name == "--media-root")
             line.mediaRoots.emplace_back(path());
+        else if (name == "--exchange-device")
+            line.exchangeDevice = path();
         else if (name == "--attribute-rules")
             line.attributeRules = path();
         else if (!takeTestOption(name, value, path, line.tests))
@@ -161,6 +163,7 @@ const char* usageText()
            "                             out (docs/job-service-api.md)\n"
            "  --media-root DIR           folder below which jobs are exported and imported (default /media);\n"
            "                             may be repeated\n"
+           "  --exchange-device PATH     device to exchange the active job with, or a link to it (default /dev/qzx)\n"
            "  --instrument FILE          the instrument that tests are checked against (docs/job-service-api.md;\n"
            "                             default: that of samples/instrument.json)\n"
            "  --start-seconds S          how long a simulated test takes to start (default 0.5)\n"

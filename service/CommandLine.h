@@ -39,6 +39,8 @@ struct CommandLine
     std::string techId;
     /// Where media are mounted: jobs are exported and imported only there.
     std::vector<std::filesystem::path> mediaRoots;
+    /// The device with which the active job is exchanged.
+    std::string exchangeDevice = "/dev/qzx";
     /// Empty for no rules.
     std::filesystem::path attributeRules;
     TestOptions tests;

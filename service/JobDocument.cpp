@@ -61,19 +61,6 @@ std::vector<JsonTree>* arrayIn(JsonTree& parent, std::string_view name)
     return array && array->isArray() ? &array->values() : nullptr;
 }
 
-void numberTests(JsonTree& document)
-{
-    std::vector<JsonTree>* tests = arrayIn(document, "tests");
-    for (std::size_t t = 0; tests && t < tests->size(); ++t) {
-        JsonTree& test = (*tests)[t];
-        const std::string index = std::to_string(t);
-        test.set("uiIndex", JsonTree::fromString(index));
-        std::vector<JsonTree>* locations = arrayIn(test, "testLocations");
-        for (std::size_t l = 0; locations && l < locations->size(); ++l)
-            (*locations)[l].set("uiIndex", JsonTree::fromString(index + "_" + std::to_string(l)));
-    }
-}
-
 /// The item whose index string ends in this number; null unless the text is its plain decimal form.
 JsonTree* itemAt(std::vector<JsonTree>* items, std::string_view number)
 {
@@ -120,6 +107,19 @@ JsonTree& detailsOf(JsonTree& document)
 {
     JsonTree* details = document.find("details");
     return details && details->isObject() ? *details : document.set("details", JsonTree::emptyObject());
+}
+
+void numberTests(JsonTree& document)
+{
+    std::vector<JsonTree>* tests = arrayIn(document, "tests");
+    for (std::size_t t = 0; tests && t < tests->size(); ++t) {
+        JsonTree& test = (*tests)[t];
+        const std::string index = std::to_string(t);
+        test.set("uiIndex", JsonTree::fromString(index));
+        std::vector<JsonTree>* locations = arrayIn(test, "testLocations");
+        for (std::size_t l = 0; locations && l < locations->size(); ++l)
+            (*locations)[l].set("uiIndex", JsonTree::fromString(index + "_" + std::to_string(l)));
+    }
 }
 
 JsonTree* findTest(JsonTree& document, std::string_view uiIndex)

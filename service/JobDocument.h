@@ -60,6 +60,9 @@ std::string checkedTemplateName(std::string_view text);
 /// The details of a document, made if they are missing.
 JsonTree& detailsOf(JsonTree& document);
 
+/// Gives every test and location of a document the index string of its place.
+void numberTests(JsonTree& document);
+
 /// The test or location with this index string ("2", "2_1"); null if the document has none.
 JsonTree* findTest(JsonTree& document, std::string_view uiIndex);
 

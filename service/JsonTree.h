@@ -34,6 +34,7 @@ public:
     std::string stringValue() const;
     /// The items of an array, or the values of an object's members.
     std::vector<JsonTree>& values() { return m_values; }
+    const std::vector<JsonTree>& values() const { return m_values; }
 
     /// The member of an object, the last one if several have the name; null if there is none or this is no object.
     JsonTree* find(std::string_view name);

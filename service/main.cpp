@@ -109,7 +109,7 @@ void serve(const CommandLine& line)
     TestRunner runner(store, instrument, bench);
     JobApi jobApi(store, line.techId, std::move(rules));
     TestApi testApi(runner);
-    TransferApi transferApi(store, MediaRoots(line.mediaRoots));
+    TransferApi transferApi(store, { MediaRoots(line.mediaRoots), line.exchangeDevice });
     const Router router(joined({ jobApi.routes(), testApi.routes(), transferApi.routes() }), server.port());
     server.listen([&router](const HttpHead& head) { return router.decide(head); });
     std::thread serving([&server] { server.run(); });

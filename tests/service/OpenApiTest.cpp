@@ -3,17 +3,22 @@
 
 #include "service/Instrument.h"
 #include "service/JobApi.h"
+#include "service/JobExchange.h"
 #include "service/SimulatedBench.h"
 #include "service/TestApi.h"
 #include "service/TransferApi.h"
+#include "tests/service/PseudoTerminal.h"
 #include "tests/service/TemporaryFolder.h"
 #include "tests/support/HttpRequest.h"
 #include "tests/support/ServiceProcess.h"
 
+#include <atomic>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 #include <regex>
 #include <set>
+#include <thread>
+#include <unistd.h>
 #include <yaml-cpp/yaml.h>
 
 using jobmanager_test::HttpReply;
@@ -133,6 +138,36 @@ struct Operation
     json parameters;
 };
 
+/// Answers one exchange of a job of which it has no version.
+class ExchangePeer
+{
+public:
+    explicit ExchangePeer(const std::filesystem::path& devicePath) : m_terminal(devicePath)
+    {
+        m_thread = std::thread([this] {
+            try {
+                job_service::DeviceLink link(
+                    job_service::FileHandle(::dup(m_terminal.near.get())), m_budget, std::chrono::seconds(30));
+                job_service::answerExchange(
+                    link, [](const std::string&) { return std::nullopt; }, [](const std::string&) {});
+            } catch (const std::exception&) {
+                // The service tells of it too.
+            }
+        });
+    }
+    ~ExchangePeer()
+    {
+        m_end = true;
+        m_thread.join();
+    }
+
+private:
+    jobmanager_test::PseudoTerminal m_terminal;
+    std::atomic<bool> m_end{ false };
+    job_service::TransferBudget m_budget{ {}, m_end };
+    std::thread m_thread;
+};
+
 class OpenApiTest : public testing::Test
 {
 protected:
@@ -148,7 +183,8 @@ protected:
             R"("accessCode":{"label":"Access code","value":"","valueType":"number","editable":true},)"
             R"("fixed":{"label":"Fixed","value":""}}},"tests":[{"testType":"x"}]})");
         std::filesystem::create_directory(m_media.path() / "usb");
-        m_service.setArguments({ "--load", m_files.path().string(), "--media-root", m_media.path().string() });
+        m_service.setArguments({ "--load", m_files.path().string(), "--media-root", m_media.path().string(),
+            "--exchange-device", (m_media.path() / "qzx").string() });
         ASSERT_TRUE(m_service.start()) << m_service.log();
     }
 
@@ -199,7 +235,7 @@ protected:
     /// The folder of the test stands for that of the media.
     std::string onTestMedia(const std::string& text) const
     {
-        return std::regex_replace(text, std::regex("\"/media"), "\"" + m_media.path().string());
+        return std::regex_replace(text, std::regex("\"/(media|dev)"), "\"" + m_media.path().string());
     }
 
     static std::string successOf(const Operation& operation)
@@ -250,7 +286,7 @@ TEST_F(OpenApiTest, everyRouteOfTheServiceIsDescribedAndNoOther)
     job_service::TestRunner runner(store, instrument, bench);
     std::set<std::string> served;
     for (const auto& routes : { job_service::JobApi(store, "").routes(), job_service::TestApi(runner).routes(),
-             job_service::TransferApi(store, job_service::MediaRoots({})).routes() }) {
+             job_service::TransferApi(store, { job_service::MediaRoots({}), {} }).routes() }) {
         for (const job_service::Route& route : routes)
             served.insert(route.method + " " + route.pattern);
     }
@@ -259,6 +295,8 @@ TEST_F(OpenApiTest, everyRouteOfTheServiceIsDescribedAndNoOther)
 
 TEST_F(OpenApiTest, everyOperationAnswersAsDescribed)
 {
+    httpRequest(m_service.port(), "PUT", "/api/v1/active-job", R"({"id":"WO-1"})");
+    const ExchangePeer peer(m_media.path() / "qzx");
     for (const Operation& operation : operations()) {
         // Deleting goes last: the other operations need the job.
         if (operation.method != "DELETE")

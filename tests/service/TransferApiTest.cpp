@@ -48,7 +48,7 @@ protected:
 
     void serveWith(const TransferLimits& limits)
     {
-        m_api = std::make_unique<TransferApi>(store(), MediaRoots({ m_media.path() }), limits);
+        m_api = std::make_unique<TransferApi>(store(), TransferPlaces{ MediaRoots({ m_media.path() }), {} }, limits);
         serve(m_api->routes());
     }
     fs::path medium(const std::string& name = "usb") { return m_media.path() / name; }
@@ -528,7 +528,8 @@ TEST_F(TransferApiTest, oneTransferRunsAtATime)
         writeFile("usb/" + std::to_string(i) + ".job.json", jobText(std::to_string(i)));
     std::atomic<bool> ended{ false };
     std::thread importing([&] {
-        call("POST", "/imports", importBody(medium()));
+        // Until it is its turn: the requests below are transfers too.
+        while (call("POST", "/imports", importBody(medium())).status == 409) { }
         ended = true;
     });
     bool refused = false;

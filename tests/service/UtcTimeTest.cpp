@@ -45,4 +45,46 @@ INSTANTIATE_TEST_SUITE_P(Texts, UtcForm,
         FormCase{ "2026-03-01 08:15:00.000Z", false }, FormCase{ "2026-03-01T08:15:00.00xZ", false },
         FormCase{ "", false }));
 
+struct Moment
+{
+    const char* text;
+    const char* utc;
+};
+
+class UtcMoment : public testing::TestWithParam<Moment>
+{
+};
+
+TEST_P(UtcMoment, isRead)
+{
+    const auto moment = utcMoment(GetParam().text);
+    ASSERT_TRUE(moment);
+    EXPECT_EQ(utcText(*moment), GetParam().utc);
+}
+
+INSTANTIATE_TEST_SUITE_P(Forms, UtcMoment,
+    testing::Values(Moment{ "2026-03-01T08:15:00Z", "2026-03-01T08:15:00.000Z" },
+        Moment{ "2026-03-01T08:15:00", "2026-03-01T08:15:00.000Z" },
+        Moment{ "2026-03-01T08:15:00+01:00", "2026-03-01T07:15:00.000Z" },
+        Moment{ "2026-03-01T08:15:00+0130", "2026-03-01T06:45:00.000Z" },
+        Moment{ "2026-03-01T20:15:00-05", "2026-03-02T01:15:00.000Z" },
+        Moment{ "2026-03-01T08:15:00.5Z", "2026-03-01T08:15:00.500Z" },
+        Moment{ "2026-03-01T08:15:00,123456789+00:00", "2026-03-01T08:15:00.123Z" },
+        Moment{ "1969-12-31T23:59:59Z", "1969-12-31T23:59:59.000Z" },
+        Moment{ "2040-02-29T00:00:00Z", "2040-02-29T00:00:00.000Z" }));
+
+class NoMoment : public testing::TestWithParam<const char*>
+{
+};
+
+TEST_P(NoMoment, isRead)
+{
+    EXPECT_FALSE(utcMoment(GetParam()));
+}
+
+INSTANTIATE_TEST_SUITE_P(Forms, NoMoment,
+    testing::Values("", "yesterday", "2026-03-01", "2026-03-01T08:15", "2026-02-30T08:15:00Z", "2026-03-01T24:00:00Z",
+        "2026-03-01T08:15:00.", "2026-03-01T08:15:00.Z", "2026-03-01T08:15:00+1", "2026-03-01T08:15:00+01:0",
+        "2026-03-01T08:15:00Zx", "2026-03-01 08:15:00"));
+
 } // namespace
