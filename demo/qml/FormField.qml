@@ -5,10 +5,10 @@ import QtQuick.Controls 2.15
 Item {
     id: field
 
-    property alias name: nameLabel.text
+    property alias name: label.name
     property alias text: input.text
     /// What is wrong with the text; empty if nothing is.
-    property alias fault: faultLabel.text
+    property alias fault: label.fault
     /// Shows while there is no text.
     property alias hint: hintLabel.text
     readonly property alias input: input
@@ -16,30 +16,16 @@ Item {
     /// The text was ended with the return key.
     signal accepted()
 
-    implicitHeight: nameLabel.height + 2 + Theme.touch
+    implicitHeight: label.height + 2 + Theme.touch
 
-    PlainLabel {
-        id: nameLabel
-        width: Math.min(implicitWidth, field.width - Math.min(faultLabel.implicitWidth, field.width / 2) - Theme.gap)
-        color: Theme.textQuiet
-        font.pixelSize: Theme.small
-    }
-    PlainLabel {
-        id: faultLabel
-        objectName: "fault"
-        anchors.left: nameLabel.right
-        anchors.leftMargin: Theme.gap
-        anchors.right: field.right
-        anchors.baseline: nameLabel.baseline
-        color: Theme.failed
-        font.pixelSize: Theme.small
-        font.bold: true
-        horizontalAlignment: Text.AlignRight
+    FieldLabel {
+        id: label
+        width: field.width
     }
     TextField {
         id: input
         objectName: "input"
-        y: nameLabel.height + 2
+        y: label.height + 2
         width: field.width
         height: Theme.touch
         font.pixelSize: Theme.medium

@@ -163,6 +163,35 @@ Item {
           act: () => page.finished(),
           until: () => atRest() && page === jobsPage },
 
+        { name: "the properties of a job", picture: "properties",
+          act: () => openProperties("WO-2026-004711"),
+          until: () => atRest() && scrollToProperty("jobNumber") && shows(page, "openProperties") },
+
+        { name: "a property that was filled in", picture: "property-written",
+          act: () => typeProperty("attributes/splices", "24").accepted(),
+          until: () => page.properties.values["attributes/splices"] === "24" && page.properties.open === 1 },
+
+        { name: "a property in the wrong form", picture: "property-wrong",
+          act: () => typeProperty("attributes/accessCode", "471"),
+          until: () => shows(property("attributes/accessCode"), "fault") },
+
+        { name: "a property that the service refuses", picture: "property-refused",
+          act: () => {
+              scrollToProperty("attributes/priority")
+              itemNamed(property("attributes/priority"), "choice:low").clicked()
+          },
+          until: () => shows(property("attributes/priority"), "fault") && shows(window.contentItem, "noticeText")
+                       && itemNamed(property("attributes/priority"), "choice:high").chosen },
+
+        { name: "a property that the service altered, beside what is being typed", picture: "property-altered",
+          act: () => typeProperty("attributes/cabinet", " kvz 13").accepted(),
+          until: () => itemNamed(property("attributes/cabinet"), "input").text === "KVZ 13"
+                       && itemNamed(property("attributes/accessCode"), "input").text === "471" },
+
+        { name: "the lists after the properties",
+          act: () => page.finished(),
+          until: () => atRest() && page === jobsPage },
+
         { name: "the settings", picture: "settings",
           act: () => jobsPage.settingsWanted(),
           until: () => atRest() && shows(page, "title") && page.port === JobManager.restApiPort },
@@ -188,6 +217,48 @@ Item {
                 return true
         }
         return false
+    }
+
+    /// The item of this name inside another; null if there is none.
+    function itemNamed(item, name) {
+        for (let i = 0; i < item.children.length; ++i) {
+            const child = item.children[i]
+            const found = child.objectName === name ? child : itemNamed(child, name)
+            if (found !== null)
+                return found
+        }
+        return null
+    }
+
+    function openProperties(id) {
+        window.showJob(id, JobTable.jobAt(JobManager, JobTable.rowOf(JobManager, id)), StackView.Immediate)
+        page.detailsShown = true
+    }
+
+    /// The row of a property of the job whose page is open; null as long as there is none.
+    function property(name) {
+        return itemNamed(page, "property:" + name)
+    }
+
+    /// Has a property on the screen, if its row is there.
+    function scrollToProperty(name) {
+        const row = property(name)
+        if (row === null)
+            return false
+        const flickable = itemNamed(page, "details").flickable
+        const top = row.mapToItem(flickable.contentItem, 0, 0).y - 60
+        flickable.contentY = Math.min(top, flickable.contentHeight - flickable.height)
+        return true
+    }
+
+    /// Writes into a property as a person does, and returns the field, which is yet to be left.
+    function typeProperty(name, text) {
+        scrollToProperty(name)
+        const input = itemNamed(property(name), "input")
+        input.forceActiveFocus()
+        input.text = text
+        input.textEdited()
+        return input
     }
 
     function modifiedOn(id) {

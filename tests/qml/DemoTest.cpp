@@ -74,7 +74,8 @@ void DemoTest::initTestCase()
 
 void DemoTest::drivesItselfThroughItsScreensAndLeavesAPictureOfEach()
 {
-    ServiceProcess service({ "--load", JOBMANAGER_SAMPLES });
+    ServiceProcess service(
+        { "--load", JOBMANAGER_SAMPLES, "--attribute-rules", JOBMANAGER_SAMPLES "/attribute-rules.json" });
     service.setPort(modulePort);
     QVERIFY2(service.start(), service.log().c_str());
 
@@ -92,7 +93,9 @@ void DemoTest::drivesItselfThroughItsScreensAndLeavesAPictureOfEach()
         QStringLiteral("16-tests-open.png"), QStringLiteral("17-tests-search.png"), QStringLiteral("18-tests-none.png"),
         QStringLiteral("19-tests-by-location.png"), QStringLiteral("20-tests-by-type.png"),
         QStringLiteral("21-test.png"), QStringLiteral("22-test-new-result.png"), QStringLiteral("23-manual-test.png"),
-        QStringLiteral("24-settings.png"), QStringLiteral("25-end.png") };
+        QStringLiteral("24-properties.png"), QStringLiteral("25-property-written.png"),
+        QStringLiteral("26-property-wrong.png"), QStringLiteral("27-property-refused.png"),
+        QStringLiteral("28-property-altered.png"), QStringLiteral("29-settings.png"), QStringLiteral("30-end.png") };
     QCOMPARE(names, expected);
     for (const QString& name : names) {
         const QImage picture(folder.filePath(name));
@@ -103,7 +106,8 @@ void DemoTest::drivesItselfThroughItsScreensAndLeavesAPictureOfEach()
 
 void DemoTest::drivesItselfOnTheGivenPort()
 {
-    ServiceProcess service({ "--load", JOBMANAGER_SAMPLES });
+    ServiceProcess service(
+        { "--load", JOBMANAGER_SAMPLES, "--attribute-rules", JOBMANAGER_SAMPLES "/attribute-rules.json" });
     service.setPort(modulePort + 1);
     QVERIFY2(service.start(), service.log().c_str());
 
