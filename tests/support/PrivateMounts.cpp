@@ -6,6 +6,7 @@
 #include <fstream>
 #include <sched.h>
 #include <sys/mount.h>
+#include <sys/stat.h>
 #include <unistd.h>
 #include <utility>
 
@@ -62,6 +63,26 @@ EmptyMount::~EmptyMount()
     if (m_failure.empty()) {
         umount2(m_directory.c_str(), MNT_DETACH);
     }
+}
+
+BareDevices::BareDevices()
+    : m_terminals(open("/dev/pts", O_PATH | O_CLOEXEC))
+    , m_mount("/dev")
+    , m_failure(m_mount.failure())
+{
+    if (m_failure.empty()) {
+        bringTerminals();
+    }
+}
+
+void BareDevices::bringTerminals()
+{
+    const std::string source = "/proc/self/fd/" + std::to_string(m_terminals);
+    if (mkdir("/dev/pts", 0755) != 0 || mount(source.c_str(), "/dev/pts", nullptr, MS_BIND, nullptr) != 0
+        || symlink("pts/ptmx", "/dev/ptmx") != 0) {
+        m_failure = failureOf("pseudo terminals");
+    }
+    close(m_terminals);
 }
 
 EmptyRoot::EmptyRoot() : m_mount("/mnt"), m_failure(m_mount.failure())

@@ -26,6 +26,23 @@ private:
     std::string m_failure;
 };
 
+/// An empty device folder /dev, with nothing in it but the pseudo terminals, for as long as it lives.
+class BareDevices
+{
+public:
+    BareDevices();
+
+    /// Why it failed; empty if it stands.
+    const std::string& failure() const { return m_failure; }
+
+private:
+    const int m_terminals;
+    EmptyMount m_mount;
+    std::string m_failure;
+
+    void bringTerminals();
+};
+
 /// Makes an empty file system in memory the root for as long as it lives: no directory of the system exists then.
 class EmptyRoot
 {
