@@ -236,7 +236,8 @@ private Q_SLOTS:
     void oneTestAloneHasATime()
     {
         QStringList times;
-        for (const QString& job : sortedJobIDs(*m_api)) {
+        const QStringList jobs = sortedJobIDs(*m_api);
+        for (const QString& job : jobs) {
             for (const long long test : m_api->getAllTestIDs(job)) {
                 const QDateTime time = m_api->getTestTime(job, test);
                 if (!time.isNull()) {

@@ -76,7 +76,8 @@ private Q_SLOTS:
         Journal journal;
         SignalRecorder recorder(*m_manager, journal);
         QVector<bool> flags;
-        connect(m_manager.get(), &JobManager::fetchingJobListChanged, this,
+        const QObject receiver;
+        connect(m_manager.get(), &JobManager::fetchingJobListChanged, &receiver,
             [&] { flags.append(m_manager->fetchingJobList()); });
         m_manager->initialize();
         QCOMPARE(lines(journal.take()), QStringLiteral(R"(emit modelAboutToBeReset()
@@ -313,7 +314,8 @@ emit fetchingJobListChanged())"));
     {
         m_manager->initialize();
         QStringList announced;
-        connect(m_manager.get(), &JobManager::newJobCreated, this,
+        const QObject receiver;
+        connect(m_manager.get(), &JobManager::newJobCreated, &receiver,
             [&](Job* created) { announced.append(created->jobNumber()); });
         const QString number = QStringLiteral("WO-7");
         QVERIFY(m_manager->createNewJob(number, QStringLiteral("tech"), m_manager->fetchJobTemplates().first()));

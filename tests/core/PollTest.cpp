@@ -88,7 +88,8 @@ emit jobManagerUpdated())"));
         m_api->setJob(idA);
         m_api->setChangeCount(1);
         int rows = -1;
-        connect(m_manager, &JobManager::jobManagerUpdated, this, [&] { rows = m_manager->rowCount(); });
+        const QObject receiver;
+        connect(m_manager, &JobManager::jobManagerUpdated, &receiver, [&] { rows = m_manager->rowCount(); });
         poll();
         QCOMPARE(rows, 0);
         m_manager->onFetchJobListFinished();
@@ -197,7 +198,8 @@ emit fetchingJobListChanged())"));
         m_api->keepJobListCached();
         m_api->setChangeCount(4);
         QList<bool> movedAgain;
-        connect(m_manager, &JobManager::currentJobChanged, this,
+        const QObject receiver;
+        connect(m_manager, &JobManager::currentJobChanged, &receiver,
             [&] { movedAgain.append(m_manager->checkChangeCount(false)); });
         m_manager->checkChangeCount(false);
         QCOMPARE(movedAgain, QList<bool>{ false });

@@ -43,8 +43,9 @@ call getSettingsListInfo())"));
     void fetchFlagIsUpWhenItsSignalGoesOut()
     {
         QList<bool> seen;
-        connect(
-            m_manager, &JobManager::fetchingJobListChanged, this, [&] { seen.append(m_manager->fetchingJobList()); });
+        const QObject receiver;
+        connect(m_manager, &JobManager::fetchingJobListChanged, &receiver,
+            [&] { seen.append(m_manager->fetchingJobList()); });
         m_manager->updateDataFromAPI(true);
         m_manager->onFetchJobListFinished();
         QCOMPARE(seen, (QList<bool>{ true, false }));
@@ -72,7 +73,7 @@ call getSettingsListInfo())"));
     void updateWithoutAnArgumentIsFull()
     {
         QVERIFY(QMetaObject::invokeMethod(m_manager, "updateDataFromAPI"));
-        QCOMPARE(m_journal.entries().first(), QStringLiteral("call clearCache()"));
+        QCOMPARE(m_journal.entries().constFirst(), QStringLiteral("call clearCache()"));
     }
 
     void fullUpdateDuringAFetchOnlyClearsTheCache()
@@ -98,7 +99,8 @@ call getSettingsListInfo())"));
         m_api->setJob(idA);
         m_manager->updateDataFromAPI(true);
         QList<bool> flagInsideTheReset;
-        connect(m_manager, &JobManager::currentJobChanged, this,
+        const QObject receiver;
+        connect(m_manager, &JobManager::currentJobChanged, &receiver,
             [&] { flagInsideTheReset.append(m_manager->fetchingJobList()); });
         m_journal.take();
         m_manager->onFetchJobListFinished();
@@ -175,7 +177,8 @@ call getSettingsListInfo())"));
         rebuild({ idA, idB });
         const QPointer<Job> gone = m_manager->getJob(idB);
         bool aliveAtTheEndOfTheReset = false;
-        connect(m_manager, &JobManager::modelReset, this, [&] { aliveAtTheEndOfTheReset = !gone.isNull(); });
+        const QObject receiver;
+        connect(m_manager, &JobManager::modelReset, &receiver, [&] { aliveAtTheEndOfTheReset = !gone.isNull(); });
         m_journal.take();
         rebuild({ idA });
         QCOMPARE(aliveAtTheEndOfTheReset, true);
@@ -221,7 +224,8 @@ call getSettingsListInfo())"));
         m_api->keepJobListCached();
         m_api->setJobIDs({ idA, idB });
         bool asked = false;
-        connect(m_manager, &JobManager::currentJobChanged, this, [&] {
+        const QObject receiver;
+        connect(m_manager, &JobManager::currentJobChanged, &receiver, [&] {
             if (!std::exchange(asked, true)) {
                 m_api->setJobIDs({ idC });
                 m_manager->updateDataFromAPI(false);
@@ -270,14 +274,15 @@ call getSettingsListInfo())"));
     {
         m_api->setJobListCached(true);
         bool asked = false;
-        connect(m_manager, &JobManager::currentJobChanged, this, [&] {
+        QList<bool> flags;
+        const QObject receiver;
+        connect(m_manager, &JobManager::currentJobChanged, &receiver, [&] {
             if (!std::exchange(asked, true)) {
                 m_manager->updateDataFromAPI(true);
             }
         });
-        QList<bool> flags;
-        connect(
-            m_manager, &JobManager::fetchingJobListChanged, this, [&] { flags.append(m_manager->fetchingJobList()); });
+        connect(m_manager, &JobManager::fetchingJobListChanged, &receiver,
+            [&] { flags.append(m_manager->fetchingJobList()); });
         m_manager->updateDataFromAPI(false);
         QVERIFY(m_journal.contains(QStringLiteral("emit fetchJobList()")));
         QCOMPARE(flags, (QList<bool>{ true, false }));

@@ -121,7 +121,8 @@ private Q_SLOTS:
     {
         waitForAFetch();
         QAbstractListModel* seen = nullptr;
-        connect(m_job.get(), &Job::fetchInProgressChanged, this, [&] { seen = m_job->tests(); });
+        const QObject receiver;
+        connect(m_job.get(), &Job::fetchInProgressChanged, &receiver, [&] { seen = m_job->tests(); });
         QCOMPARE(m_job->tests(), nullptr);
         QCOMPARE(seen, nullptr);
         QCOMPARE(emitted(),
@@ -132,7 +133,8 @@ private Q_SLOTS:
     {
         waitForAFetch();
         QList<bool> seen;
-        connect(m_job.get(), &Job::fetchInProgressChanged, this, [&] { seen.append(m_job->fetchInProgress()); });
+        const QObject receiver;
+        connect(m_job.get(), &Job::fetchInProgressChanged, &receiver, [&] { seen.append(m_job->fetchInProgress()); });
         m_job->isBackgroundFetchCompleted();
         m_job->onFetchJobFinished(id);
         QCOMPARE(seen, (QList<bool>{ true, false }));
@@ -233,7 +235,8 @@ emit numberOfIncompleteRequiredAttributesChanged())"));
         waitForAFetch();
         m_job->tests();
         QList<bool> seen;
-        connect(m_job.get(), &Job::testsChanged, this, [&] { seen.append(m_job->tests() != nullptr); });
+        const QObject receiver;
+        connect(m_job.get(), &Job::testsChanged, &receiver, [&] { seen.append(m_job->tests() != nullptr); });
         m_job->onFetchJobFinished(id);
         QCOMPARE(seen, QList<bool>{ true });
     }
@@ -263,7 +266,7 @@ emit numberOfIncompleteRequiredAttributesChanged())"));
         m_job->updateDataFromAPI();
         m_journal.take();
         QCOMPARE(m_job->tests(), nullptr);
-        QCOMPARE(emitted().last(), QStringLiteral("emit fetchJob(\"J\")"));
+        QCOMPARE(emitted().constLast(), QStringLiteral("emit fetchJob(\"J\")"));
     }
 
     void updateDuringAFetchStartsNoSecondOne()

@@ -39,6 +39,8 @@ QString namesOf(const QString& kind, const QStringList& lines)
 
 } // namespace
 
+Q_DECLARE_METATYPE(const QMetaObject*)
+
 /// The type information that the build makes of the module, against the classes themselves and against the names that
 /// front ends rely on.
 class TypeInformationTest : public QObject
@@ -252,8 +254,6 @@ private:
 
     QmlTypesBlock m_module;
 };
-
-Q_DECLARE_METATYPE(const QMetaObject*)
 
 QTEST_GUILESS_MAIN(TypeInformationTest)
 #include "TypeInformationTest.moc"

@@ -252,7 +252,7 @@ void JobManagerRestAPICacheTest::recordIsFiledUnderItsOwnId()
     QCOMPARE(cached.cache.getListOfCachedJobs(), QList<QString>{ jobId });
     QCOMPARE(cached.cache.getCdmJob(jobId)->tests->at(0).uiIndex.value(), std::string("4"));
     cached.cache.addToCache(cdm::CdmSouthboundJob());
-    QVERIFY(cached.cache.isJobCached(QStringLiteral("")));
+    QVERIFY(cached.cache.isJobCached(QString()));
     QVERIFY(StandInClient::calls().empty());
 }
 

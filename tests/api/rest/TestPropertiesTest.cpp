@@ -169,10 +169,11 @@ void TestPropertiesTest::locationGoesBeforeTheTest_data()
     QTest::addColumn<QString>("label");
     QTest::addColumn<QString>("value");
     QTest::addColumn<QString>("expected");
+    const QString empty = QLatin1String("");
     QTest::newRow("label and value") << QStringLiteral("L") << QStringLiteral("own") << QStringLiteral("own");
-    QTest::newRow("label, no value") << QStringLiteral("L") << QStringLiteral("") << QStringLiteral("");
-    QTest::newRow("value, no label") << QStringLiteral("") << QStringLiteral("own") << QStringLiteral("own");
-    QTest::newRow("neither") << QStringLiteral("") << QStringLiteral("") << QStringLiteral("of the test");
+    QTest::newRow("label, no value") << QStringLiteral("L") << empty << empty;
+    QTest::newRow("value, no label") << empty << QStringLiteral("own") << QStringLiteral("own");
+    QTest::newRow("neither") << empty << empty << QStringLiteral("of the test");
     QTest::newRow("no attribute") << QString() << QString() << QStringLiteral("of the test");
 }
 
