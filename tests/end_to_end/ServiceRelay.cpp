@@ -1,6 +1,5 @@
 #include "tests/end_to_end/ServiceRelay.h"
 
-#include "tests/end_to_end/Bounds.h"
 #include "tests/support/Connection.h"
 
 namespace {
@@ -11,12 +10,12 @@ std::string routeOf(const std::string& request)
 }
 
 /// The service answers only to its own address.
-std::string addressedTo(std::string request, unsigned short port)
+std::string readdressed(std::string request, unsigned short from, unsigned short to)
 {
-    const std::string here = "Host: 127.0.0.1:" + std::to_string(modulePort);
+    const std::string here = "Host: 127.0.0.1:" + std::to_string(from);
     const auto host = request.find(here);
     if (host != std::string::npos)
-        request.replace(host, here.size(), "Host: 127.0.0.1:" + std::to_string(port));
+        request.replace(host, here.size(), "Host: 127.0.0.1:" + std::to_string(to));
     return request;
 }
 
@@ -30,7 +29,7 @@ std::string bytesOf(const jobmanager_test::HttpReply& reply)
 
 } // namespace
 
-ServiceRelay::ServiceRelay(unsigned short servicePort) : m_servicePort(servicePort), m_server(modulePort)
+ServiceRelay::ServiceRelay(unsigned short servicePort, unsigned short port) : m_servicePort(servicePort), m_server(port)
 {
     m_server.answerWith([this](const std::string& request) { return handOn(request); });
 }
@@ -67,6 +66,18 @@ void ServiceRelay::release(const std::string& route)
     m_changed.notify_all();
 }
 
+void ServiceRelay::loseAnswers(const std::string& route)
+{
+    const std::lock_guard lock(m_mutex);
+    m_lost.insert(route);
+}
+
+bool ServiceRelay::isAnswerLost(const std::string& route) const
+{
+    const std::lock_guard lock(m_mutex);
+    return m_lost.count(route) > 0;
+}
+
 RawReply ServiceRelay::handOn(const std::string& request)
 {
     const std::string route = routeOf(request);
@@ -78,9 +89,12 @@ RawReply ServiceRelay::handOn(const std::string& request)
         m_held.erase(kept);
     }
     const jobmanager_test::HttpReply reply =
-        jobmanager_test::Connection(m_servicePort).request(addressedTo(request, m_servicePort));
+        jobmanager_test::Connection(m_servicePort).request(readdressed(request, port(), m_servicePort));
     RawReply relayed;
+    if (reply.status == 0 || isAnswerLost(route)) {
+        relayed.then = RawReply::Then::Close;
+        return relayed;
+    }
     relayed.bytes = bytesOf(reply);
-    relayed.then = reply.status == 0 ? RawReply::Then::Close : RawReply::Then::KeepOpen;
     return relayed;
 }
