@@ -13,6 +13,9 @@ Loader {
     }
 
     objectName: "property:" + name
+    // A job may have hundreds of properties, for which the screen would stand still.
+    asynchronous: true
+    height: item ? item.implicitHeight : Theme.touch + 2 * Theme.gap
     sourceComponent: {
         if (!row.property.editable)
             return readOnlyField

@@ -165,7 +165,8 @@ Item {
 
         { name: "the properties of a job", picture: "properties",
           act: () => openProperties("WO-2026-004711"),
-          until: () => atRest() && scrollToProperty("jobNumber") && shows(page, "openProperties") },
+          until: () => atRest() && scrollToProperty("jobNumber") && shows(page, "openProperties")
+                       && itemNamed(property("attributes/remark"), "input") !== null },
 
         { name: "a property that was filled in", picture: "property-written",
           act: () => typeProperty("attributes/splices", "24").accepted(),
