@@ -72,6 +72,11 @@ void refuseUnknownJob()
     throw ApiError(404, "job_not_found", "There is no job with this id.");
 }
 
+void refuseUnknownTemplate()
+{
+    throw ApiError(404, "template_not_found", "There is no template with this name.");
+}
+
 void checkFound(JobStore::Change change)
 {
     if (change == JobStore::Change::NoSuchJob)

@@ -24,6 +24,7 @@ HttpResponse noContent();
 /// These throw the ApiError of what they are named after.
 [[noreturn]] void refuseRequest(const std::string& message);
 [[noreturn]] void refuseUnknownJob();
+[[noreturn]] void refuseUnknownTemplate();
 void checkFound(JobStore::Change change);
 
 /// The test or location with this index string. Throws the ApiError of an unknown one.

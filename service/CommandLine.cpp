@@ -129,6 +129,8 @@ CommandLine parseCommandLine(const std::vector<std::string>& arguments)
             line.data = path();
         else if (name == "--load")
             line.load.emplace_back(path());
+        else if (name == "--templates")
+            line.templates = path();
         else if (name == "--generate")
             line.generate = parseGenerate(value());
         else if (name == "--tech-id")
@@ -157,6 +159,8 @@ const char* usageText()
            "                             or ~/.local/share)\n"
            "  --load FILE-OR-DIR         load job files (*.job.json) and template files (*.tpl.json) before\n"
            "                             listening; a job that is known stays as it is; may be repeated\n"
+           "  --templates DIR            folder of templates, which are loaded, and of the lists of locations that go\n"
+           "                             with them (default: where --load finds templates)\n"
            "  --generate jobs=N,tests=M  make N jobs of M tests each, always the same ones\n"
            "  --tech-id ID               technician of the login configuration\n"
            "  --attribute-rules FILE     refuse, normalise or delay writes of chosen attributes, to try clients\n"

@@ -44,6 +44,8 @@ struct CommandLine
     /// Empty for no rules.
     std::filesystem::path attributeRules;
     TestOptions tests;
+    /// Empty for the folder of the templates that are loaded.
+    std::filesystem::path templates;
 };
 
 /// The command line makes no sense.

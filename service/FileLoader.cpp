@@ -59,7 +59,7 @@ void FileLoader::load(const fs::path& fileOrFolder)
         if (endsWith(file, jobSuffix))
             jobFiles.push_back(file);
         else if (endsWith(file, templateSuffix))
-            loadTemplate(file);
+            loadTemplate(file, Links::Followed);
         else
             logSkipped(file, "its name ends neither in .job.json nor in .tpl.json");
     }
@@ -81,14 +81,37 @@ std::vector<fs::path> FileLoader::filesOf(const fs::path& fileOrFolder) const
     return files;
 }
 
-void FileLoader::loadTemplate(const fs::path& file)
+void FileLoader::loadTemplates(const fs::path& folder)
+{
+    std::vector<fs::path> files;
+    for (const fs::directory_entry& entry : fs::directory_iterator(folder)) {
+        if (endsWith(entry.path(), templateSuffix))
+            files.push_back(entry.path());
+    }
+    std::sort(files.begin(), files.end());
+    for (const fs::path& file : files)
+        loadTemplate(file, Links::Refused);
+}
+
+void FileLoader::loadTemplate(const fs::path& file, Links links)
 {
     m_beforeEach();
     readOrSkip(file, [&] {
-        const std::string text = contentOf(openedForReading(file), maximumDocumentSize);
-        m_store.putTemplate(checkedTemplateName(text), text);
+        const std::string text = contentOf(openedForReading(file, links), maximumDocumentSize);
+        const std::string name = checkedTemplateName(text);
+        if (isTaken(name, file))
+            throw FileUnreadable("another file has a template of the name " + name);
+        m_store.putTemplate(name, text);
+        m_templateFolder = file.parent_path();
         return true;
     });
+}
+
+bool FileLoader::isTaken(const std::string& templateName, const fs::path& file)
+{
+    const fs::path& first = m_templateFiles.emplace(templateName, file).first->second;
+    std::error_code ignored;
+    return !fs::equivalent(first, file, ignored);
 }
 
 void FileLoader::loadJobs(const std::vector<fs::path>& files)

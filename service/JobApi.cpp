@@ -35,9 +35,10 @@ JsonTree attributesFrom(const RouteRequest& request)
 
 } // namespace
 
-JobApi::JobApi(JobStore& store, std::string techId, AttributeRules attributeRules)
+JobApi::JobApi(JobStore& store, std::string techId, AttributeRules attributeRules, LocationLists locationLists)
     : m_store(store)
     , m_techId(std::move(techId))
+    , m_locationLists(std::move(locationLists))
     , m_attributes(store, std::move(attributeRules))
 {
 }
@@ -113,17 +114,18 @@ HttpResponse JobApi::job(const RouteRequest& request) const
 HttpResponse JobApi::createJob(const RouteRequest& request)
 {
     NewJob job{ requiredString(request.json, "workOrderNo"), optionalString(request.json, "techId"),
-        optionalBool(request.json, "syncToNimbrel") };
+        optionalBool(request.json, "syncToNimbrel"), {} };
     if (!isJobId(job.id))
         throw ApiError(400, "invalid_id", "An id has 1 to 512 bytes and no control characters.");
-    if (!optionalString(request.json, "locationsFilename").empty())
-        throw ApiError(400, "locations_not_supported", "This version takes no file of locations.");
     const std::string templateName = optionalString(request.json, "templateName");
     std::optional<std::string> document = std::string();
     if (!templateName.empty())
         document = m_store.templateDocument(templateName);
     if (!document)
-        throw ApiError(404, "template_not_found", "There is no template with this name.");
+        refuseUnknownTemplate();
+    const std::string locationsFilename = optionalString(request.json, "locationsFilename");
+    if (!locationsFilename.empty())
+        job.locations = m_locationLists.locations(locationsFilename);
     if (!m_store.createJob(jobFromTemplate(job, *document, utcNow())))
         throw ApiError(409, "job_exists", "There is already a job with this id.");
     return jsonResponse(201, { { "id", job.id } });

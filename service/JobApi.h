@@ -2,6 +2,7 @@
 
 #include "service/AttributeWriter.h"
 #include "service/JobStore.h"
+#include "service/LocationLists.h"
 #include "service/Router.h"
 
 #include <string>
@@ -15,7 +16,7 @@ class JobApi
 public:
     /// `store` must outlive the object, and the object its routes. `techId` is the technician of the login
     /// configuration.
-    JobApi(JobStore& store, std::string techId, AttributeRules attributeRules = {});
+    JobApi(JobStore& store, std::string techId, AttributeRules attributeRules = {}, LocationLists locationLists = {});
 
     std::vector<Route> routes();
 
@@ -25,6 +26,7 @@ public:
 private:
     JobStore& m_store;
     const std::string m_techId;
+    const LocationLists m_locationLists;
     AttributeWriter m_attributes;
 
     HttpResponse changeCount() const;

@@ -8,7 +8,7 @@ namespace job_service {
 
 namespace {
 
-constexpr std::size_t longestJobId = 512;
+constexpr std::size_t longestName = 512;
 
 nlohmann::json parsed(std::string_view text)
 {
@@ -87,11 +87,32 @@ void moveIntoDetails(JsonTree& document, std::string_view name)
         detailsOf(document).set(name, std::move(value));
 }
 
+/// Gives each test these locations instead of its own.
+void setLocations(std::vector<JsonTree>& tests, const std::vector<std::string>& locations)
+{
+    JsonTree list = JsonTree::emptyArray();
+    for (const std::string& name : locations) {
+        JsonTree location = JsonTree::emptyObject();
+        location.set("location", JsonTree::fromString(name));
+        list.values().push_back(std::move(location));
+    }
+    // Before that much is built: a list and a template of ordinary size can multiply to gigabytes.
+    if (!tests.empty() && list.text().size() > maximumDocumentSize / tests.size())
+        throw DocumentRefused({ {}, "With these locations the job would be larger than 16 MiB." });
+    for (JsonTree& test : tests)
+        test.set("testLocations", list);
+}
+
 } // namespace
 
 bool isJobId(std::string_view text)
 {
-    if (text.empty() || text.size() > longestJobId)
+    return isPlainName(text);
+}
+
+bool isPlainName(std::string_view text)
+{
+    if (text.empty() || text.size() > longestName)
         return false;
     for (std::size_t i = 0; i < text.size(); ++i) {
         const auto byte = static_cast<unsigned char>(text[i]);
@@ -178,6 +199,8 @@ StoredJob jobFromTemplate(const NewJob& job, std::string_view templateDocument, 
 
     if (!arrayIn(document, "tests"))
         document.set("tests", JsonTree::emptyArray());
+    if (!job.locations.empty())
+        setLocations(*arrayIn(document, "tests"), job.locations);
     numberTests(document);
     return storedJob(document);
 }
@@ -188,7 +211,10 @@ std::string checkedTemplateName(std::string_view text)
     cdm::DocumentError error;
     if (!cdm::checkTemplate(document, error))
         throw DocumentRefused(error);
-    return document.at("name").get<std::string>();
+    std::string name = document.at("name").get<std::string>();
+    if (!isPlainName(name))
+        throw DocumentRefused({ "/name", "A template's name has 1 to 512 bytes and no control characters." });
+    return name;
 }
 
 } // namespace job_service

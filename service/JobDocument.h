@@ -8,6 +8,7 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace job_service {
 
@@ -36,9 +37,14 @@ struct NewJob
     std::string id;
     std::string techId;
     bool syncToNimbrel = false;
+    /// The locations of each test; none for those of the template.
+    std::vector<std::string> locations = {};
 };
 
-/// Whether a text can be a job's id: UTF-8 of 1 to 512 bytes without control characters.
+/// Whether a text, which is UTF-8, has 1 to 512 bytes and no control characters.
+bool isPlainName(std::string_view text);
+
+/// Whether a text can be a job's id: a plain name.
 bool isJobId(std::string_view text);
 
 /// Reads the text of a job file: numbers its tests, and sets `modifiedOn` where the file has none of the right form.
@@ -46,6 +52,7 @@ bool isJobId(std::string_view text);
 StoredJob jobFromFile(std::string_view text, const std::string& now);
 
 /// Makes the job described by `job`. `templateDocument` is a template that checkedTemplateName has accepted, or empty.
+/// Throws DocumentRefused for a job that would be too large.
 StoredJob jobFromTemplate(const NewJob& job, std::string_view templateDocument, const std::string& now);
 
 /// Checks a changed document and takes out of it what the store needs. Throws DocumentRefused.

@@ -309,6 +309,17 @@ void JobStore::setGroupType(const std::string& groupType)
     write([&](SqliteDatabase& database) { storeState(database, "group_type", groupType); });
 }
 
+std::vector<std::string> JobStore::templateDocuments() const
+{
+    return read([](SqliteDatabase& database) {
+        std::vector<std::string> documents;
+        SqliteStatement statement(database, "SELECT document FROM template ORDER BY name");
+        while (statement.step())
+            documents.push_back(statement.text(0));
+        return documents;
+    });
+}
+
 std::optional<std::string> JobStore::templateDocument(const std::string& name) const
 {
     return read([&](SqliteDatabase& database) {

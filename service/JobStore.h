@@ -12,6 +12,7 @@
 #include <mutex>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace job_service {
 
@@ -74,6 +75,8 @@ public:
     std::string groupType() const;
     void setGroupType(const std::string& groupType);
 
+    /// The documents of all templates, in the order of their names.
+    std::vector<std::string> templateDocuments() const;
     /// The document of a template.
     std::optional<std::string> templateDocument(const std::string& name) const;
     /// Adds a template or replaces the one of that name.

@@ -12,15 +12,17 @@ namespace job_service {
 class TestApi
 {
 public:
-    /// `runner` must outlive the object, and the object its routes.
-    explicit TestApi(TestRunner& runner) : m_runner(runner) { }
+    /// `store` and `runner` must outlive the object, and the object its routes.
+    TestApi(JobStore& store, TestRunner& runner) : m_store(store), m_runner(runner) { }
 
     std::vector<Route> routes();
 
 private:
+    JobStore& m_store;
     TestRunner& m_runner;
 
     HttpResponse launch(const RouteRequest& request);
+    HttpResponse answerManualStep(const RouteRequest& request);
 };
 
 } // namespace job_service

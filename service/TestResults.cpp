@@ -1,5 +1,8 @@
 #include "service/TestResults.h"
 
+#include <algorithm>
+#include <cctype>
+
 namespace job_service {
 
 namespace {
@@ -11,6 +14,33 @@ JsonTree* objectIn(JsonTree& parent, std::string_view name)
 {
     JsonTree* member = parent.find(name);
     return member && member->isObject() ? member : nullptr;
+}
+
+/// The member, made if it is missing.
+JsonTree& objectOf(JsonTree& parent, std::string_view name)
+{
+    JsonTree* member = objectIn(parent, name);
+    return member ? *member : parent.set(name, JsonTree::emptyObject());
+}
+
+std::string textIn(const JsonTree& parent, std::string_view name)
+{
+    const JsonTree* member = parent.find(name);
+    return member ? member->stringValue() : std::string();
+}
+
+bool isNo(std::string answer)
+{
+    std::transform(answer.begin(), answer.end(), answer.begin(),
+        [](unsigned char character) { return static_cast<char>(std::tolower(character)); });
+    return answer == "no";
+}
+
+const char* statusOf(const ManualAnswer& answer, bool yesNo)
+{
+    if (answer.text.empty())
+        return "";
+    return yesNo && isNo(answer.text) ? "fail" : "pass";
 }
 
 void keepMark(const JsonTree* oldResults, JsonTree& data)
@@ -31,15 +61,13 @@ void recordVerdict(JsonTree& target, const TestOutcome& outcome, const std::stri
 
 bool hasVerdict(const JsonTree& results)
 {
-    const JsonTree* status = results.find("status");
-    const std::string token = status ? status->stringValue() : std::string();
+    const std::string token = textIn(results, "status");
     return !token.empty() && token != noVerdict;
 }
 
 void recordFailure(JsonTree& target, const std::string& why, const std::string& time)
 {
-    JsonTree* present = objectIn(target, "results");
-    JsonTree& results = present ? *present : target.set("results", JsonTree::emptyObject());
+    JsonTree& results = objectOf(target, "results");
     if (!hasVerdict(results)) {
         results.set("status", JsonTree::fromString(noVerdict));
         results.set("time", JsonTree::fromString(time));
@@ -50,6 +78,29 @@ void recordFailure(JsonTree& target, const std::string& why, const std::string& 
 }
 
 } // namespace
+
+bool isManual(const JsonTree& test)
+{
+    return textIn(test, "testType") == "manual";
+}
+
+bool asksYesNo(const JsonTree& test)
+{
+    const JsonTree* configuration = test.find("configurationData");
+    return configuration && textIn(*configuration, "type") == "yesNo";
+}
+
+void recordAnswer(JsonTree& target, const ManualAnswer& answer, bool yesNo, const std::string& time)
+{
+    JsonTree& results = objectOf(target, "results");
+    results.set("status", JsonTree::fromString(statusOf(answer, yesNo)));
+    results.set("time", JsonTree::fromString(time));
+    results.set("response", JsonTree::fromString(answer.text));
+    if (answer.note.empty())
+        results.remove("responseNote");
+    else
+        results.set("responseNote", JsonTree::fromString(answer.note));
+}
 
 void recordOutcome(JsonTree& target, const TestOutcome& outcome, const std::string& time)
 {

@@ -12,4 +12,22 @@ namespace job_service {
 /// `time` is when the run ended, ISO 8601.
 void recordOutcome(JsonTree& target, const TestOutcome& outcome, const std::string& time);
 
+/// The answer of a manual step.
+struct ManualAnswer
+{
+    std::string text;
+    /// A further text; ordinarily empty.
+    std::string note;
+};
+
+/// Whether a test of a document is a manual step.
+bool isManual(const JsonTree& test);
+/// Whether a manual step asks for yes or no.
+bool asksYesNo(const JsonTree& test);
+
+/// Writes the answer of a manual step into the results of its test or location: as "pass", or as "fail" if the step
+/// asks for yes or no and the answer is "no". The empty answer opens the step again. Result data stay. `time` is that
+/// of the answer, ISO 8601.
+void recordAnswer(JsonTree& target, const ManualAnswer& answer, bool yesNo, const std::string& time);
+
 } // namespace job_service

@@ -154,7 +154,7 @@ std::string TestRunner::launchNow(const std::string& uiIndex, Slot& slot)
     const std::optional<TestToRun> test = testOfActiveJob(uiIndex);
     if (!test)
         return launch_status::testNotFound();
-    if (memberText(test->test, "testType") == "manual")
+    if (isManual(test->test))
         return launch_status::customNonfatal(manualSentence);
     std::string obstacle = launchObstacle(m_instrument, nlohmann::json::parse(test->test.text()));
     if (!obstacle.empty())

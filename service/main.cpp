@@ -13,6 +13,7 @@
 #include "service/SimulatedBench.h"
 #include "service/SqliteError.h"
 #include "service/StoreFile.h"
+#include "service/TemplateApi.h"
 #include "service/TestApi.h"
 #include "service/TestRunner.h"
 #include "service/TransferApi.h"
@@ -71,16 +72,20 @@ void ignoreHarmlessSignals()
     std::signal(SIGXFSZ, SIG_IGN);
 }
 
-void fill(JobStore& store, const CommandLine& line, const EndSignals& endSignals)
+/// Returns the folder of the templates; empty if there is none.
+std::filesystem::path fill(JobStore& store, const CommandLine& line, const EndSignals& endSignals)
 {
     const auto beforeEach = [&endSignals] { endSignals.throwIfPending(); };
     FileLoader loader(store, beforeEach);
     for (const std::filesystem::path& path : line.load)
         loader.load(path);
+    if (!line.templates.empty())
+        loader.loadTemplates(line.templates);
     if (line.generate) {
         const std::size_t added = generateJobs(store, *line.generate, beforeEach);
         logLine(std::to_string(added) + " jobs generated");
     }
+    return line.templates.empty() ? loader.templateFolder() : line.templates;
 }
 
 std::vector<Route> joined(std::initializer_list<std::vector<Route>> tables)
@@ -103,14 +108,16 @@ void serve(const CommandLine& line)
         line.tests.instrument.empty() ? Instrument::standard() : Instrument::fromFile(line.tests.instrument);
     HttpServer server(line.port);
     JobStore store(folder.path());
-    fill(store, line, endSignals);
+    const std::filesystem::path templateFolder = fill(store, line, endSignals);
 
     SimulatedBench bench(line.tests.simulation);
     TestRunner runner(store, instrument, bench);
-    JobApi jobApi(store, line.techId, std::move(rules));
-    TestApi testApi(runner);
+    JobApi jobApi(store, line.techId, std::move(rules), LocationLists(templateFolder));
+    TestApi testApi(store, runner);
+    TemplateApi templateApi(store);
     TransferApi transferApi(store, { MediaRoots(line.mediaRoots), line.exchangeDevice });
-    const Router router(joined({ jobApi.routes(), testApi.routes(), transferApi.routes() }), server.port());
+    const Router router(
+        joined({ jobApi.routes(), testApi.routes(), templateApi.routes(), transferApi.routes() }), server.port());
     server.listen([&router](const HttpHead& head) { return router.decide(head); });
     std::thread serving([&server] { server.run(); });
     std::printf("job-service: listening on 127.0.0.1:%u\n", static_cast<unsigned>(server.port()));

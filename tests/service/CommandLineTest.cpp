@@ -24,10 +24,10 @@ TEST(CommandLineTest, withoutArgumentsTheDefaultsHold)
 
 TEST(CommandLineTest, everyOptionIsRead)
 {
-    const CommandLine line = parseCommandLine(
-        { "--port", "0", "--data", "/d", "--load", "a", "--load=b", "--generate", "jobs=1000,tests=50", "--tech-id=t=1",
-            "--attribute-rules", "r.json", "--instrument", "i.json", "--start-seconds", "0.25", "--run-seconds=86400",
-            "--seed=4294967295", "--media-root", "/a", "--media-root=b", "--help", "--version" });
+    const CommandLine line = parseCommandLine({ "--port", "0", "--data", "/d", "--load", "a", "--load=b", "--generate",
+        "jobs=1000,tests=50", "--tech-id=t=1", "--attribute-rules", "r.json", "--instrument", "i.json", "--templates",
+        "t", "--start-seconds", "0.25", "--run-seconds=86400", "--seed=4294967295", "--media-root", "/a",
+        "--media-root=b", "--help", "--version" });
     EXPECT_EQ(line.port, 0);
     EXPECT_EQ(line.data, "/d");
     EXPECT_EQ(line.load, (std::vector<std::filesystem::path>{ "a", "b" }));
@@ -35,6 +35,7 @@ TEST(CommandLineTest, everyOptionIsRead)
     EXPECT_EQ(line.generate->tests, 50u);
     EXPECT_EQ(line.techId, "t=1");
     EXPECT_EQ(line.attributeRules, "r.json");
+    EXPECT_EQ(line.templates, "t");
     EXPECT_EQ(line.tests.instrument, "i.json");
     EXPECT_EQ(line.tests.simulation.startDuration, std::chrono::milliseconds(250));
     EXPECT_EQ(line.tests.simulation.runDuration, std::chrono::hours(24));
@@ -64,16 +65,16 @@ INSTANTIATE_TEST_SUITE_P(Lines, BadArguments,
         Arguments{ "--data=" }, Arguments{ "--data", "" }, Arguments{ "--load=" }, Arguments{ "--attribute-rules=" },
         Arguments{ "--help=yes" }, Arguments{ "--generate", "jobs" }, Arguments{ "--generate", "jobs=" },
         Arguments{ "--generate", "jobs=1,tests=-1" }, Arguments{ "--generate", "rows=1" },
-        Arguments{ "--generate", "jobs=1000001" }, Arguments{ "--instrument=" }, Arguments{ "--seed", "-1" },
-        Arguments{ "--seed", "4294967296" }, Arguments{ "--seed=" }, Arguments{ "--run-seconds", "-0.1" },
-        Arguments{ "--run-seconds", "86400.5" }, Arguments{ "--run-seconds", "nan" },
-        Arguments{ "--run-seconds", "1s" }, Arguments{ "--start-seconds=" }));
+        Arguments{ "--generate", "jobs=1000001" }, Arguments{ "--instrument=" }, Arguments{ "--templates=" },
+        Arguments{ "--seed", "-1" }, Arguments{ "--seed", "4294967296" }, Arguments{ "--seed=" },
+        Arguments{ "--run-seconds", "-0.1" }, Arguments{ "--run-seconds", "86400.5" },
+        Arguments{ "--run-seconds", "nan" }, Arguments{ "--run-seconds", "1s" }, Arguments{ "--start-seconds=" }));
 
 TEST(CommandLineTest, theUsageNamesEveryOption)
 {
     const std::string usage = usageText();
     for (const char* option : { "--port", "--data", "--load", "--generate", "--tech-id", "--attribute-rules",
-             "--instrument", "--start-seconds", "--run-seconds", "--seed", "--help", "--version" })
+             "--instrument", "--templates", "--start-seconds", "--run-seconds", "--seed", "--help", "--version" })
         EXPECT_NE(usage.find(option), std::string::npos) << option;
 }
 

@@ -92,7 +92,7 @@ TEST_F(JobApiTest, creationIsRefused)
     addJob("a");
     expectRefused(409, "job_exists", "POST", "/jobs", R"({"workOrderNo":"a"})");
     expectRefused(404, "template_not_found", "POST", "/jobs", R"({"workOrderNo":"b","templateName":"T"})");
-    expectRefused(400, "locations_not_supported", "POST", "/jobs", R"({"workOrderNo":"b","locationsFilename":"f"})");
+    expectRefused(404, "locations_not_found", "POST", "/jobs", R"({"workOrderNo":"b","locationsFilename":"f"})");
     expectRefused(400, "invalid_id", "POST", "/jobs", R"({"workOrderNo":""})");
     expectRefused(400, "invalid_id", "POST", "/jobs", R"({"workOrderNo":"a\u0000"})");
     expectRefused(400, "invalid_request", "POST", "/jobs", R"({})");

@@ -5,6 +5,7 @@
 #include "service/JobApi.h"
 #include "service/JobExchange.h"
 #include "service/SimulatedBench.h"
+#include "service/TemplateApi.h"
 #include "service/TestApi.h"
 #include "service/TransferApi.h"
 #include "tests/service/PseudoTerminal.h"
@@ -181,7 +182,8 @@ protected:
         m_files.write("a.job.json",
             R"({"details":{"id":"WO-1","jobManagerAttributes":{)"
             R"("accessCode":{"label":"Access code","value":"","valueType":"number","editable":true},)"
-            R"("fixed":{"label":"Fixed","value":""}}},"tests":[{"testType":"x"}]})");
+            R"("fixed":{"label":"Fixed","value":""}}},"tests":[{"testType":"x"},{"testType":"manual"}]})");
+        m_files.write("t.tpl.json", R"({"name":"Fibre acceptance"})");
         std::filesystem::create_directory(m_media.path() / "usb");
         m_service.setArguments({ "--load", m_files.path().string(), "--media-root", m_media.path().string(),
             "--exchange-device", (m_media.path() / "qzx").string() });
@@ -285,7 +287,8 @@ TEST_F(OpenApiTest, everyRouteOfTheServiceIsDescribedAndNoOther)
     const job_service::Instrument instrument;
     job_service::TestRunner runner(store, instrument, bench);
     std::set<std::string> served;
-    for (const auto& routes : { job_service::JobApi(store, "").routes(), job_service::TestApi(runner).routes(),
+    for (const auto& routes : { job_service::JobApi(store, "").routes(), job_service::TestApi(store, runner).routes(),
+             job_service::TemplateApi(store).routes(),
              job_service::TransferApi(store, { job_service::MediaRoots({}), {} }).routes() }) {
         for (const job_service::Route& route : routes)
             served.insert(route.method + " " + route.pattern);

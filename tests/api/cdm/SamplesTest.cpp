@@ -20,21 +20,24 @@ using testing::Not;
 
 namespace {
 
-/// File name to text of every sample of one kind.
-std::map<std::string, std::string> textsIn(const char* folder)
+/// File name to text of every sample of one kind: the files of a folder that end so.
+std::map<std::string, std::string> textsIn(const char* folder, const std::string& ending)
 {
     std::map<std::string, std::string> texts;
     const std::filesystem::path path = std::filesystem::path(JOBMANAGER_SAMPLES_DIR) / folder;
     for (const auto& entry : std::filesystem::directory_iterator(path)) {
+        const std::string name = entry.path().filename().string();
+        if (name.size() < ending.size() || name.compare(name.size() - ending.size(), ending.size(), ending) != 0)
+            continue;
         std::ifstream file(entry.path(), std::ios::binary);
-        texts[entry.path().filename().string()].assign(std::istreambuf_iterator<char>(file), {});
+        texts[name].assign(std::istreambuf_iterator<char>(file), {});
     }
     return texts;
 }
 
 const std::map<std::string, std::string>& jobTexts()
 {
-    static const auto texts = textsIn("jobs");
+    static const auto texts = textsIn("jobs", "");
     return texts;
 }
 
@@ -156,20 +159,21 @@ bool isAdded(const std::optional<cdm::TestResults>& results)
 TEST(Samples, thereAreEnoughJobsAndTemplates)
 {
     EXPECT_GE(jobs().size(), 16U);
-    EXPECT_EQ(textsIn("templates").size(), 3U);
+    EXPECT_EQ(textsIn("templates", ".tpl.json").size(), 6U);
+    EXPECT_EQ(textsIn("templates", ".txt").size(), 2U);
 }
 
 TEST(Samples, fileNamesSayWhatTheyHold)
 {
     for (const auto& [name, text] : jobTexts())
         EXPECT_THAT(name, testing::EndsWith(".job.json"));
-    for (const auto& [name, text] : textsIn("templates"))
-        EXPECT_THAT(name, testing::EndsWith(".tpl.json"));
+    for (const auto& [name, text] : textsIn("templates", ""))
+        EXPECT_THAT(name, testing::AnyOf(testing::EndsWith(".tpl.json"), testing::EndsWith(".txt")));
 }
 
 TEST(Samples, templatesFollowTheFormat)
 {
-    for (const auto& [name, document] : documentsOf(textsIn("templates"))) {
+    for (const auto& [name, document] : documentsOf(textsIn("templates", ".tpl.json"))) {
         cdm::DocumentError error;
         EXPECT_TRUE(cdm::checkTemplate(document, error)) << name << ": " << error.path << ": " << error.message;
         EXPECT_THAT(document.at("tests"), Not(IsEmpty()));
