@@ -19,7 +19,6 @@ FormField {
     property bool edited: false
     /// The field was left, or ended with the return key, and the text could not be given to the service yet.
     property bool waiting: false
-
     /// What the service held when the edit began.
     property string valueBefore: ""
 
@@ -42,8 +41,9 @@ FormField {
     }
 
     function showValue() {
-        if (!field.edited && field.text !== field.value)
+        if (!field.edited)
             field.text = field.value
+        field.edited = field.text !== field.value
     }
 
     name: property.label

@@ -360,6 +360,31 @@ Screen {
         compare(faultOf("text"), "")
     }
 
+    function test_changeToWhatIsTypedLeavesNothingToWrite() {
+        openForm()
+        type("text", "same")
+        service.writeAttribute(jobID, "text", "same")
+        tryVerify(() => !row("text").item.edited, aWhile)
+        compare(faultOf("text"), "")
+        const before = service.changeCount()
+        keyClick(Qt.Key_Return)
+        compare(service.changeCount(), before)
+    }
+
+    function test_editWhileTheServiceIsGoneIsNotTaken() {
+        openForm()
+        type("text", "new")
+        outage.begin()
+        keyClick(Qt.Key_Return)
+        compare(faultOf("text"), "Not taken")
+        tryCompare(input("text"), "text", "old", aWhile)
+        verify(outage.end())
+        compare(stored("text"), "old")
+        type("text", "newer")
+        keyClick(Qt.Key_Return)
+        tryVerify(() => stored("text") === "newer", aWhile)
+    }
+
     function test_newAttributesKeepTheRowBeingTypedIn() {
         openForm()
         const typedIn = row("code")
