@@ -230,8 +230,8 @@ QString LivePropertiesTest::stored(const QString& name) const
         return details.value(name).toString();
     if (name == QLatin1String("techId"))
         return details.value(QLatin1String("techInfo")).toObject().value(name).toString();
-    const QJsonObject attributes = details.value(QLatin1String("jobManagerAttributes")).toObject();
-    return attributes.value(name.section(QLatin1Char('/'), 1)).toObject().value(QLatin1String("value")).toString();
+    const QJsonObject held = details.value(QLatin1String("jobManagerAttributes")).toObject();
+    return held.value(name.section(QLatin1Char('/'), 1)).toObject().value(QLatin1String("value")).toString();
 }
 
 void LivePropertiesTest::formShowsWhatTheServiceKnows()

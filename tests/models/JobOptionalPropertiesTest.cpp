@@ -158,7 +158,7 @@ emit numberOfIncompleteRequiredAttributesChanged())"));
         QTest::addColumn<int>("incomplete");
         QTest::newRow("nothing") << QVariant() << 1;
         QTest::newRow("null text") << QVariant(QString()) << 1;
-        QTest::newRow("empty text") << QVariant(QStringLiteral("")) << 1;
+        QTest::newRow("empty text") << QVariant(QLatin1String("")) << 1;
         QTest::newRow("what has no text") << QVariant(QVariantMap()) << 1;
         QTest::newRow("blank") << QVariant(QStringLiteral(" ")) << 0;
         QTest::newRow("text") << QVariant(QStringLiteral("x")) << 0;
@@ -196,7 +196,8 @@ emit numberOfIncompleteRequiredAttributesChanged())"));
     void countersStandForTheNamesSoFarWhenTheyFire()
     {
         QList<int> seen;
-        connect(m_job.get(), &Job::totalNumberOfRequiredAttributesChanged, this,
+        const QObject receiver;
+        connect(m_job.get(), &Job::totalNumberOfRequiredAttributesChanged, &receiver,
             [&] { seen.append(m_job->getTotalNumberOfRequiredAttributes()); });
         m_job->optionalProperties();
         QCOMPARE(seen, (QList<int>{ 1, 2 }));
@@ -259,7 +260,8 @@ emit numberOfIncompleteRequiredAttributesChanged())"));
         m_job->setWorker(m_worker.get());
         m_job->optionalProperties();
         bool there = false;
-        connect(m_job.get(), &Job::optionalPropertiesChanged, this, [&] { there = map() != nullptr; });
+        const QObject receiver;
+        connect(m_job.get(), &Job::optionalPropertiesChanged, &receiver, [&] { there = map() != nullptr; });
         m_job->onFetchJobFinished(id);
         QVERIFY(there);
     }
@@ -308,7 +310,8 @@ emit optionalPropertyValueChanged(false))"));
     {
         accept(false);
         QVariant seen;
-        connect(m_job.get(), &Job::optionalPropertiesChanged, this, [&] { seen = map()->value(a); });
+        const QObject receiver;
+        connect(m_job.get(), &Job::optionalPropertiesChanged, &receiver, [&] { seen = map()->value(a); });
         edit(a, typed);
         QCOMPARE(seen, QVariant(QStringLiteral("old")));
     }
@@ -382,7 +385,7 @@ emit optionalPropertyValueChanged(false))"));
         accept(false);
         m_job->onPropertyValueChanged(a, typed);
         QCOMPARE(m_api->count(QStringLiteral("setOptionalJobProperty")), 1);
-        QCOMPARE(told().last(), QStringLiteral("emit optionalPropertyValueChanged(false)"));
+        QCOMPARE(told().constLast(), QStringLiteral("emit optionalPropertyValueChanged(false)"));
         QCOMPARE(map()->value(a), QVariant(QStringLiteral("old")));
     }
 
@@ -414,7 +417,8 @@ emit optionalPropertyValueChanged(false))"));
     {
         const QPointer<QQmlPropertyMap> old = map();
         bool gone = false;
-        connect(m_job.get(), &Job::jobNumberChanged, this, [&] { gone = old.isNull(); });
+        const QObject receiver;
+        connect(m_job.get(), &Job::jobNumberChanged, &receiver, [&] { gone = old.isNull(); });
         m_job->updateDataFromAPI();
         QVERIFY(gone);
         QVERIFY(map() != nullptr);
@@ -468,7 +472,8 @@ emit optionalPropertyValueChanged(false))"));
         accept(accepted);
         const QPointer<QQmlPropertyMap> old = map();
         QPointer<QQmlPropertyMap> inside;
-        connect(m_job.get(), &Job::optionalPropertyValueChanged, this, [&] {
+        const QObject receiver;
+        connect(m_job.get(), &Job::optionalPropertyValueChanged, &receiver, [&] {
             m_job->updateDataFromAPI();
             inside = map();
         });
@@ -485,14 +490,15 @@ emit optionalPropertyValueChanged(false))"));
     {
         accept(false);
         map();
-        connect(m_job.get(), &Job::optionalPropertiesChanged, this, [&, once = true]() mutable {
+        const QObject receiver;
+        connect(m_job.get(), &Job::optionalPropertiesChanged, &receiver, [&, once = true]() mutable {
             if (std::exchange(once, false)) {
                 m_job->updateDataFromAPI();
             }
         });
         m_journal.take();
         edit(a, typed);
-        QCOMPARE(m_journal.take().last(), QStringLiteral("emit optionalPropertyValueChanged(false)"));
+        QCOMPARE(m_journal.take().constLast(), QStringLiteral("emit optionalPropertyValueChanged(false)"));
         QCOMPARE(map()->value(a), QVariant(QStringLiteral("old")));
         freeWhatIsDue();
     }
@@ -502,7 +508,8 @@ emit optionalPropertyValueChanged(false))"));
         // What hears of the edit before the job does, as QML does.
         QQmlPropertyMap* const old = map();
         disconnect(old, &QQmlPropertyMap::valueChanged, m_job.get(), &Job::onPropertyValueChanged);
-        connect(old, &QQmlPropertyMap::valueChanged, this, [&] {
+        const QObject receiver;
+        connect(old, &QQmlPropertyMap::valueChanged, &receiver, [&] {
             m_job->updateDataFromAPI();
             map();
             store(a, typed);
@@ -511,7 +518,7 @@ emit optionalPropertyValueChanged(false))"));
         old->setProperty("a", typed);
         QVERIFY(map() != old);
         QCOMPARE(map()->value(a), QVariant(typed));
-        QCOMPARE(m_journal.take().last(), QStringLiteral("emit optionalPropertyValueChanged(true)"));
+        QCOMPARE(m_journal.take().constLast(), QStringLiteral("emit optionalPropertyValueChanged(true)"));
         freeWhatIsDue();
     }
 
@@ -520,7 +527,8 @@ emit optionalPropertyValueChanged(false))"));
         accept(false);
         const QPointer<QQmlPropertyMap> old = map();
         m_recorder.reset();
-        connect(m_job.get(), &Job::optionalPropertiesChanged, this, [&] { m_job.reset(); });
+        const QObject receiver;
+        connect(m_job.get(), &Job::optionalPropertiesChanged, &receiver, [&] { m_job.reset(); });
         old->setProperty("a", typed);
         QVERIFY(m_job == nullptr);
         freeWhatIsDue();
@@ -529,7 +537,8 @@ emit optionalPropertyValueChanged(false))"));
 
     void receiverOfACounterMayUpdateTheJobWhileTheMapIsBuilt()
     {
-        connect(m_job.get(), &Job::totalNumberOfRequiredAttributesChanged, this, [&, once = true]() mutable {
+        const QObject receiver;
+        connect(m_job.get(), &Job::totalNumberOfRequiredAttributesChanged, &receiver, [&, once = true]() mutable {
             if (std::exchange(once, false)) {
                 m_job->updateDataFromAPI();
                 m_job->optionalProperties();

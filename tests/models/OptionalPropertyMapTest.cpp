@@ -147,7 +147,8 @@ private Q_SLOTS:
             m_owner->drop();
             QVERIFY(!m_map.isNull());
         });
-        connect(m_map, &QQmlPropertyMap::valueChanged, this, [&] { reachedTheNext = true; });
+        const QObject receiver;
+        connect(m_map, &QQmlPropertyMap::valueChanged, &receiver, [&] { reachedTheNext = true; });
         m_map->setProperty("a", typed);
         QVERIFY(reachedTheNext);
         freeWhatIsDue();
@@ -189,7 +190,8 @@ private Q_SLOTS:
     void mapThatEndsAfterAWriteInsideItsDeliveryStaysForTheOuterOne()
     {
         QFETCH(QString, inner);
-        connect(m_map, &QQmlPropertyMap::valueChanged, this, [&, once = true]() mutable {
+        const QObject receiver;
+        connect(m_map, &QQmlPropertyMap::valueChanged, &receiver, [&, once = true]() mutable {
             if (std::exchange(once, false)) {
                 m_map->setProperty(inner.toUtf8().constData(), QStringLiteral("corrected"));
                 m_owner->drop();

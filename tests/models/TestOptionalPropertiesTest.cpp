@@ -125,7 +125,8 @@ emit optionalPropertiesChanged())"));
     {
         accept(false);
         QVariant seen;
-        connect(m_test.get(), &Test::optionalPropertiesChanged, this, [&] { seen = map()->value(a); });
+        const QObject receiver;
+        connect(m_test.get(), &Test::optionalPropertiesChanged, &receiver, [&] { seen = map()->value(a); });
         edit(a, typed);
         QCOMPARE(seen, QVariant(QStringLiteral("old")));
     }
@@ -145,7 +146,7 @@ emit optionalPropertiesChanged())"));
     {
         accept(false);
         m_test->onPropertyValueChanged(a, typed);
-        QCOMPARE(m_journal.take().last(), QStringLiteral("emit optionalPropertiesChanged()"));
+        QCOMPARE(m_journal.take().constLast(), QStringLiteral("emit optionalPropertiesChanged()"));
         QCOMPARE(map()->value(a), QVariant(QStringLiteral("old")));
     }
 
@@ -164,7 +165,8 @@ emit optionalPropertiesChanged())"));
     {
         const QPointer<QQmlPropertyMap> old = map();
         bool gone = false;
-        connect(m_test.get(), &Test::testIndexChanged, this, [&] { gone = old.isNull(); });
+        const QObject receiver;
+        connect(m_test.get(), &Test::testIndexChanged, &receiver, [&] { gone = old.isNull(); });
         store(a, QStringLiteral("newer"));
         m_test->updateDataFromAPI();
         QVERIFY(gone);
@@ -192,7 +194,8 @@ emit optionalPropertiesChanged())"));
     {
         accept(false);
         const QPointer<QQmlPropertyMap> old = map();
-        connect(m_test.get(), &Test::optionalPropertiesChanged, this, [&, once = true]() mutable {
+        const QObject receiver;
+        connect(m_test.get(), &Test::optionalPropertiesChanged, &receiver, [&, once = true]() mutable {
             if (std::exchange(once, false)) {
                 m_test->updateDataFromAPI();
             }
@@ -209,7 +212,8 @@ emit optionalPropertiesChanged())"));
         accept(false);
         const QPointer<QQmlPropertyMap> old = map();
         m_recorder.reset();
-        connect(m_test.get(), &Test::optionalPropertiesChanged, this, [&] { m_test.reset(); });
+        const QObject receiver;
+        connect(m_test.get(), &Test::optionalPropertiesChanged, &receiver, [&] { m_test.reset(); });
         old->setProperty("a", typed);
         QVERIFY(m_test == nullptr);
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
