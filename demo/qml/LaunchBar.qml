@@ -60,6 +60,8 @@ StatusBar {
         if (!bar.current)
             return bar.manual ? qsTr("Prompts are answered on the current job alone.")
                               : qsTr("Tests are launched on the current job alone.")
+        if (bar.manual)
+            return bar.answerRequest.answer.length > 0 ? qsTr("Answered.") : qsTr("Not answered yet.")
         if (JobManager.isTestLaunching)
             return qsTr("Another test is being started.")
         if (bar.watched && bar.watch.finished && bar.status.length > 0)

@@ -1,6 +1,7 @@
 import QtQuick 2.15
 
-/// A short message over the lower end of a page; it goes by itself. What has failed stands out, and stays longer.
+/// A short message over the lower end of a page; it goes by itself, or with a tap. What has failed stands out, and
+/// stays longer.
 Rectangle {
     id: notice
 
@@ -27,6 +28,10 @@ Rectangle {
         anchors.rightMargin: 2 * Theme.gap
         color: Theme.barText
         horizontalAlignment: Text.AlignHCenter
+    }
+    MouseArea {
+        anchors.fill: parent
+        onClicked: timer.stop()
     }
     Timer {
         id: timer

@@ -17,26 +17,27 @@ ActionBar {
 
     implicitHeight: Math.max(Theme.touch, label.implicitHeight) + 2 * Theme.gap
 
-    BusyIndicator {
-        id: indicator
-        width: Theme.touch
-        height: Theme.touch
-        anchors.verticalCenter: parent.verticalCenter
-        running: bar.busy
-    }
     PlainLabel {
         id: label
         objectName: "barMessage"
         anchors.left: parent.left
-        anchors.leftMargin: bar.busy ? indicator.width + Theme.gap : 0
-        anchors.right: button.visible ? button.left : parent.right
-        anchors.rightMargin: button.visible ? Theme.margin : 0
+        anchors.right: indicator.left
+        anchors.rightMargin: Theme.gap
         anchors.verticalCenter: parent.verticalCenter
         color: bar.failed ? Theme.failed : Theme.text
         font.bold: bar.failed
         wrapMode: Text.Wrap
         maximumLineCount: 6
         horizontalAlignment: Text.AlignLeft
+    }
+    BusyIndicator {
+        id: indicator
+        width: Theme.touch
+        height: Theme.touch
+        anchors.right: button.visible ? button.left : parent.right
+        anchors.rightMargin: button.visible ? Theme.gap : 0
+        anchors.verticalCenter: parent.verticalCenter
+        running: bar.busy
     }
     ActionButton {
         id: button

@@ -90,7 +90,7 @@ PageFrame {
                     }
                     PlainLabel {
                         objectName: "time"
-                        text: details.time.length > 0 ? details.time : qsTr("Not run yet")
+                        text: details.time.length > 0 || launchBar.running ? details.time : qsTr("Not run yet")
                         Layout.fillWidth: true
                     }
                     PlainLabel {

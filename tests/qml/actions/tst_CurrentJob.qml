@@ -94,6 +94,16 @@ Screen {
         compare(notice().text, "Not made current: the job service did not accept it.")
     }
 
+    function test_noticeGoesWithATap() {
+        openJob(id)
+        outage.begin()
+        mouseClick(button())
+        tryVerify(() => notice().visible, aWhile)
+        waitForRendering(window.pages)
+        mouseClick(notice())
+        verify(!notice().visible)
+    }
+
     function test_jobThatWasDeletedMeanwhileIsRefused() {
         makeJob("DELETED-FIRST")
         openJob("DELETED-FIRST")

@@ -102,6 +102,25 @@ Screen {
         compare(textIn(testRow(otherTest), "time"), "Not started")
     }
 
+    function test_testThatTheInstrumentCannotRunIsRefused_data() {
+        return [{ tag: "module", id: "WO-2026-004602", uiIndex: "2",
+                  sentence: "Test requires Leakage 900 module. Ensure the module is properly attached" },
+                { tag: "system software", id: "WO-2026-004730", uiIndex: "6",
+                  sentence: "Test requires system software version 25.1" }]
+    }
+
+    function test_testThatTheInstrumentCannotRunIsRefused(data) {
+        service.setActiveJob(data.id)
+        tryVerify(() => JobManager.currentJob !== null, aWhile)
+        openJob(data.id)
+        tapTest(data.uiIndex)
+        const status = page.details.status
+        launch()
+        tryVerify(() => bar().failed, aWhile)
+        compare(message(), data.sentence)
+        compare(page.details.status, status)
+    }
+
     function test_launchThatIsAcceptedTakesTheOldSentenceAway() {
         openNewJob()
         tapTest(otherTest)

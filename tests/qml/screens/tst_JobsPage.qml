@@ -96,7 +96,7 @@ Screen {
         list.view.positionViewAtBeginning()
         service.completeJob(id)
         tryVerify(() => list.view.itemAtIndex(0) !== null && list.view.itemAtIndex(0).jobID === id, oneSecond())
-        compare(textIn(rowItem(list, id), "progress"), "2 of 2 tests")
+        tryVerify(() => textIn(rowItem(list, id), "progress") === "2 of 2 tests", oneSecond())
     }
 
     function test_archivedJobMovesToTheOtherList() {
