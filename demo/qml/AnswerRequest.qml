@@ -1,4 +1,5 @@
 import QtQuick 2.15
+import JobManagerUi 1.0
 
 /// Records the answer of a manual test. The job service takes it or refuses it at once; an answer that it took shows
 /// in the test when the job has been read again, and waits here until then.
@@ -6,7 +7,7 @@ QtObject {
     id: request
 
     /// The manual test, or null.
-    property QtObject test: null
+    property Test test: null
     /// Whether the values of the test can be had at once: recording looks at the present answer first.
     property bool readable: false
     /// The answer that the test had when it was last read.

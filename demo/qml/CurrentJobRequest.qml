@@ -8,7 +8,7 @@ QtObject {
 
     property bool waiting: false
     /// The job that is to be current; null for none.
-    property QtObject wanted: null
+    property Job wanted: null
     property bool wantsNone: false
 
     /// The current job is not the wanted one.

@@ -13,7 +13,7 @@ PageFrame {
     // Given when the page is pushed. Not a required property: a StackView never completes a page that has one.
     property string jobID: ""
     /// The job; null from the moment it is gone from the service.
-    property QtObject job: null
+    property Job job: null
 
     /// What became of the last launch.
     property LaunchWatch watch: null

@@ -7,7 +7,7 @@ StatusBar {
     id: bar
 
     /// The test, or null.
-    property QtObject test: null
+    property Test test: null
     /// Whether it is a manual one, its status, and why it was not launched the last time.
     property bool manual: false
     property string status

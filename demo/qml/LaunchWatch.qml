@@ -9,7 +9,7 @@ QtObject {
     id: watch
 
     /// The test; null before the first launch, and from the moment it is gone from its job.
-    property QtObject test: null
+    property Test test: null
     /// The launch was accepted, and there is no result yet.
     property bool pending: false
     /// A result is to be expected soon. Not any more if the job has changed without one: a run that fails leaves none

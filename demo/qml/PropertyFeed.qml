@@ -13,7 +13,7 @@ QtObject {
     id: feed
 
     /// The job, or null.
-    property QtObject job: null
+    property Job job: null
 
     /// One row a property, in order, with its name.
     readonly property ListModel rows: ListModel {}

@@ -11,14 +11,14 @@ Item {
     id: view
 
     /// The list of tests, or null.
-    property QtObject list: null
+    property TestList list: null
     /// Whether values that a test looks up anew on each read can be had at once.
     property bool readable: false
     /// The job whose tests they are, or null.
-    property QtObject job: null
+    property Job job: null
 
     /// The test that was chosen last.
-    property QtObject marked: null
+    property Test marked: null
     /// What became of the last launch, or null.
     property LaunchWatch watch: null
 

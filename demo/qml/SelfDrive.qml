@@ -10,7 +10,7 @@ import "JobTable.js" as JobTable
 Item {
     id: drive
 
-    required property QtObject window
+    required property var window
     required property string folder
 
     /// How long to wait for what is to appear, in milliseconds.
@@ -28,7 +28,7 @@ Item {
     property string seenId: ""
     property real seenAt: 0
     property string changedBefore: ""
-    property QtObject seenTest: null
+    property Test seenTest: null
 
     /// The one of the sample jobs that has the most tests.
     readonly property string largeJob: "WO-2026-004400"

@@ -9,7 +9,7 @@ PageFrame {
 
     // Given when the page is pushed. Not required properties: a StackView never completes a page that has one.
     /// The test; null from the moment it is gone from its job.
-    property QtObject test: null
+    property Test test: null
     /// The tests of its job.
     property TestFeed feed: null
     /// What became of the last launch.

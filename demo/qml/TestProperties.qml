@@ -1,4 +1,5 @@
 import QtQuick 2.15
+import JobManagerUi 1.0
 
 import "PropertyTexts.js" as PropertyTexts
 
@@ -7,8 +8,8 @@ Flow {
     id: properties
 
     /// The test, or null, and its job.
-    property QtObject test: null
-    property QtObject job: null
+    property Test test: null
+    property Job job: null
 
     /// The properties that this test has, each with its name, its label and its value.
     property var rows: []

@@ -9,14 +9,14 @@ AbstractButton {
 
     required property int index
     /// The model whose row this is.
-    property QtObject slice: null
+    property PartialModel slice: null
     property bool readable: false
     property bool marked: false
     property bool running: false
 
     // Not a required property that the view fills: a job ends before the rows of the old model do, and the view takes
     // that for a write to its own property.
-    property QtObject test: row.slice ? row.slice.data(row.slice.index(row.index, 0), TestList.Test) || null : null
+    property Test test: row.slice ? row.slice.data(row.slice.index(row.index, 0), TestList.Test) || null : null
 
     readonly property alias status: texts.status
 

@@ -11,12 +11,12 @@ Item {
     /// The section as SectionLayout.js places it; null for nothing.
     property var section: null
     /// The list of all tests, or null.
-    property QtObject list: null
+    property TestList list: null
     property bool readable: false
     property string name
-    property QtObject marked: null
+    property Test marked: null
     /// The test that is running, or null.
-    property QtObject running: null
+    property Test running: null
     /// The part of the whole height that is on the screen.
     property real screenTop: 0
     property real screenHeight: 0

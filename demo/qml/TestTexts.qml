@@ -6,7 +6,7 @@ QtObject {
     id: texts
 
     /// The test, or null.
-    property QtObject test: null
+    property Test test: null
     /// Whether values that a test looks up anew on each read can be had at once.
     property bool readable: false
 
