@@ -203,6 +203,22 @@ private Q_SLOTS:
         QVERIFY(m_map.isNull());
     }
 
+    void mapThatEndsInAWriteInsideItsDeliveryStaysForTheOuterOne()
+    {
+        connect(m_map, &QQmlPropertyMap::valueChanged, this, [this](const QString& name) {
+            if (name == b) {
+                m_owner->drop();
+                return;
+            }
+            m_map->setProperty("b", typed);
+            freeWhatIsDue();
+            QVERIFY(!m_map.isNull());
+        });
+        m_map->setProperty("a", typed);
+        freeWhatIsDue();
+        QVERIFY(m_map.isNull());
+    }
+
     void mapThatEndsAfterAValueShownInsideItsDeliveryStaysForIt()
     {
         connect(m_map, &QQmlPropertyMap::valueChanged, this, [this] {
@@ -259,7 +275,7 @@ private Q_SLOTS:
         QVERIFY(m_map.isNull());
     }
 
-    void collectorLeavesTheMapAlone() { QCOMPARE(QQmlEngine::objectOwnership(m_map), QQmlEngine::CppOwnership); }
+    void mapOutlivesTheCollectorOfJavaScript() { QVERIFY(outlivesTheCollector(m_map)); }
 
 private:
     /// An object of QML that writes the property "a" when `type` is called.

@@ -6,7 +6,6 @@
 #include "tests/support/SignalRecorder.h"
 
 #include <QPointer>
-#include <QQmlEngine>
 #include <QtTest>
 
 using namespace jobmanager_test;
@@ -66,11 +65,7 @@ call getOptionalTestProperty("J", 7, "b"))"));
         QCOMPARE(m_journal.take(), QStringList());
     }
 
-    void mapIsTheTestsChild()
-    {
-        QCOMPARE(map()->parent(), m_test.get());
-        QCOMPARE(QQmlEngine::objectOwnership(map()), QQmlEngine::CppOwnership);
-    }
+    void mapIsTheTestsChild() { QCOMPARE(map()->parent(), m_test.get()); }
 
     void testWithoutPropertiesHasAnEmptyMap()
     {
