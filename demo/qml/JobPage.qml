@@ -122,6 +122,15 @@ PageFrame {
         function onNewTestResultsReceived() { page.told(qsTr("New test results"), false) }
     }
     Timer {
+        id: typing
+        // Short enough to search as one types, long enough for a key to come before the search for the one before it.
+        interval: 120
+        onTriggered: {
+            tests.startOver()
+            feed.searchText = tools.searchText
+        }
+    }
+    Timer {
         // Not under another page, which has to go first.
         running: page.gone && page.StackView.status === StackView.Active
         interval: 3000
@@ -145,10 +154,7 @@ PageFrame {
                     tests.startOver()
                     feed.filter = filter
                 }
-                onSearchTextChanged: {
-                    tests.startOver()
-                    feed.searchText = searchText
-                }
+                onSearchTextChanged: typing.restart()
                 onGroupingChosen: {
                     tests.startOver()
                     feed.group(groupType)

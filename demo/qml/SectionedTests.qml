@@ -172,7 +172,11 @@ Item {
     Connections {
         target: view.list
 
-        function onModelAboutToBeReset() { view.remember() }
+        function onModelAboutToBeReset() {
+            view.remember()
+            for (let i = 0; i < places.count; ++i)
+                places.itemAt(i).beginReset()
+        }
         function onModelReset() { view.update() }
     }
 

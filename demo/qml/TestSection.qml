@@ -40,11 +40,38 @@ Item {
     height: section === null ? 0 : section.height
     visible: section !== null
 
+    // A reset of the list comes here twice, as a new section and as a reset of the slice, in either order. Rows that
+    // were made after the first of them would not last.
+    property bool awaitsSection: false
+    property bool awaitsReset: false
+
+    /// The list is about to be reset: no rows until that is over.
+    function beginReset() {
+        slice.testsCount = 0
+        place.awaitsSection = true
+        place.awaitsReset = true
+    }
+
+    /// Takes the section's slice over.
+    function follow() {
+        if (place.awaitsSection || place.awaitsReset)
+            return
+        const start = place.section === null ? 0 : place.section.start
+        // Each of the two changes makes the rows anew, so that there are none at the first.
+        if (slice.startIndex !== start)
+            slice.testsCount = 0
+        slice.startIndex = start
+        slice.testsCount = place.section === null || place.section.folded ? 0 : place.section.count
+    }
+
+    onSectionChanged: {
+        awaitsSection = false
+        follow()
+    }
+
     PartialModel {
         id: slice
         model: place.list
-        startIndex: place.section === null ? 0 : place.section.start
-        testsCount: place.section === null || place.section.folded ? 0 : place.section.count
     }
     ListView {
         id: rows
@@ -69,7 +96,13 @@ Item {
         onFirstRowChanged: align()
         onHeightChanged: align()
         // The view tells its count after each reset when it has taken the new rows over, also an unchanged one.
-        onCountChanged: align()
+        onCountChanged: {
+            if (place.awaitsReset) {
+                place.awaitsReset = false
+                place.follow()
+            }
+            align()
+        }
 
         delegate: TestRow {
             width: rows.width

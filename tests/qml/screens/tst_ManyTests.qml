@@ -18,6 +18,16 @@ Screen {
         return count
     }
 
+    Component {
+        id: resetCounter
+
+        Connections {
+            property int count: 0
+
+            function onModelReset() { ++count }
+        }
+    }
+
     function openManyTests() {
         openJob(service.jobIds().find(id => id.startsWith("GEN-")))
         verify(page.tests.count >= 5000)
@@ -88,5 +98,20 @@ Screen {
         tryVerify(() => testRow(shown[2]).status === "rework", aWhile)
         compare(page.tests.flickable.contentY, 100000)
         compare(shownTests(), shown)
+    }
+
+    function test_keysInARowAreSearchedForOnce() {
+        openManyTests()
+        // Other changes would reset the list as well.
+        JobManager.pauseAutomaticUpdates = true
+        tryVerify(() => page.feed.readable, aWhile)
+        const resets = createTemporaryObject(resetCounter, page, { target: page.feed.list })
+        const field = findChild(page, "searchField")
+        for (const text of ["p", "po", "port 2"])
+            field.text = text
+        compare(resets.count, 0)
+        tryVerify(() => page.feed.list.searchRegExpStr === "port 2", aWhile)
+        compare(resets.count, 1)
+        verify(page.tests.rowsOnScreen().every(row => row.test.location === "Port 2"))
     }
 }
