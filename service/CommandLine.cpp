@@ -85,6 +85,12 @@ bool takeTestOption(const std::string& name, Value value, Path path, TestOptions
         options.simulation.startDuration = parseSeconds(name, value());
     else if (name == "--run-seconds")
         options.simulation.runDuration = parseSeconds(name, value());
+    else if (name == "--test-command")
+        options.program.program = path();
+    else if (name == "--test-argument")
+        options.program.arguments.push_back(value());
+    else if (name == "--test-seconds")
+        options.program.longestRun = parseSeconds(name, value());
     else if (name == "--seed")
         options.simulation.seed = parseSeed(value());
     else
@@ -173,6 +179,9 @@ const char* usageText()
            "  --start-seconds S          how long a simulated test takes to start (default 0.5)\n"
            "  --run-seconds S            how long a simulated test runs (default 3)\n"
            "  --seed N                   decides what simulated tests come to (default 0)\n"
+           "  --test-command PROGRAM     run tests by this program instead (docs/job-service-api.md)\n"
+           "  --test-argument ARG        argument of that program; may be repeated\n"
+           "  --test-seconds S           how long that program may take (default 600)\n"
            "  --help                     this text\n"
            "  --version                  the version\n"
            "\n"

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "service/ProgramBench.h"
 #include "service/SimulatedBench.h"
 
 #include <cstddef>
@@ -24,6 +25,8 @@ struct TestOptions
     /// Empty for the standard instrument.
     std::filesystem::path instrument;
     SimulatedBench::Settings simulation;
+    /// Without a program, tests are simulated.
+    ProgramBench::Settings program;
 };
 
 /// What the command line asks for.

@@ -8,6 +8,7 @@
 #include "service/JobGenerator.h"
 #include "service/JobStore.h"
 #include "service/Log.h"
+#include "service/ProgramBench.h"
 #include "service/Router.h"
 #include "service/ServiceVersion.h"
 #include "service/SimulatedBench.h"
@@ -22,6 +23,7 @@
 #include <cstdio>
 #include <exception>
 #include <initializer_list>
+#include <memory>
 #include <sys/stat.h>
 #include <thread>
 #include <vector>
@@ -96,6 +98,13 @@ std::vector<Route> joined(std::initializer_list<std::vector<Route>> tables)
     return routes;
 }
 
+std::unique_ptr<TestBench> benchFor(const TestOptions& options)
+{
+    if (options.program.program.empty())
+        return std::make_unique<SimulatedBench>(options.simulation);
+    return std::make_unique<ProgramBench>(options.program);
+}
+
 void serve(const CommandLine& line)
 {
     ignoreHarmlessSignals();
@@ -110,8 +119,8 @@ void serve(const CommandLine& line)
     JobStore store(folder.path());
     const std::filesystem::path templateFolder = fill(store, line, endSignals);
 
-    SimulatedBench bench(line.tests.simulation);
-    TestRunner runner(store, instrument, bench);
+    const std::unique_ptr<TestBench> bench = benchFor(line.tests);
+    TestRunner runner(store, instrument, *bench);
     JobApi jobApi(store, line.techId, std::move(rules), LocationLists(templateFolder));
     TestApi testApi(store, runner);
     TemplateApi templateApi(store);

@@ -25,7 +25,8 @@ TEST(CommandLineTest, withoutArgumentsTheDefaultsHold)
 TEST(CommandLineTest, everyOptionIsRead)
 {
     const CommandLine line = parseCommandLine({ "--port", "0", "--data", "/d", "--load", "a", "--load=b", "--generate",
-        "jobs=1000,tests=50", "--tech-id=t=1", "--attribute-rules", "r.json", "--instrument", "i.json", "--templates",
+        "jobs=1000,tests=50", "--tech-id=t=1", "--attribute-rules", "r.json", "--test-command", "/p",
+        "--test-argument=-x", "--test-argument", "", "--test-seconds", "2", "--instrument", "i.json", "--templates",
         "t", "--start-seconds", "0.25", "--run-seconds=86400", "--seed=4294967295", "--media-root", "/a",
         "--media-root=b", "--help", "--version" });
     EXPECT_EQ(line.port, 0);
@@ -36,6 +37,9 @@ TEST(CommandLineTest, everyOptionIsRead)
     EXPECT_EQ(line.techId, "t=1");
     EXPECT_EQ(line.attributeRules, "r.json");
     EXPECT_EQ(line.templates, "t");
+    EXPECT_EQ(line.tests.program.program, "/p");
+    EXPECT_EQ(line.tests.program.arguments, (Arguments{ "-x", "" }));
+    EXPECT_EQ(line.tests.program.longestRun, std::chrono::seconds(2));
     EXPECT_EQ(line.tests.instrument, "i.json");
     EXPECT_EQ(line.tests.simulation.startDuration, std::chrono::milliseconds(250));
     EXPECT_EQ(line.tests.simulation.runDuration, std::chrono::hours(24));
@@ -65,7 +69,8 @@ INSTANTIATE_TEST_SUITE_P(Lines, BadArguments,
         Arguments{ "--data=" }, Arguments{ "--data", "" }, Arguments{ "--load=" }, Arguments{ "--attribute-rules=" },
         Arguments{ "--help=yes" }, Arguments{ "--generate", "jobs" }, Arguments{ "--generate", "jobs=" },
         Arguments{ "--generate", "jobs=1,tests=-1" }, Arguments{ "--generate", "rows=1" },
-        Arguments{ "--generate", "jobs=1000001" }, Arguments{ "--instrument=" }, Arguments{ "--templates=" },
+        Arguments{ "--generate", "jobs=1000001" }, Arguments{ "--instrument=" }, Arguments{ "--test-command=" },
+        Arguments{ "--test-argument" }, Arguments{ "--test-seconds", "x" }, Arguments{ "--templates=" },
         Arguments{ "--seed", "-1" }, Arguments{ "--seed", "4294967296" }, Arguments{ "--seed=" },
         Arguments{ "--run-seconds", "-0.1" }, Arguments{ "--run-seconds", "86400.5" },
         Arguments{ "--run-seconds", "nan" }, Arguments{ "--run-seconds", "1s" }, Arguments{ "--start-seconds=" }));
@@ -74,7 +79,8 @@ TEST(CommandLineTest, theUsageNamesEveryOption)
 {
     const std::string usage = usageText();
     for (const char* option : { "--port", "--data", "--load", "--generate", "--tech-id", "--attribute-rules",
-             "--instrument", "--templates", "--start-seconds", "--run-seconds", "--seed", "--help", "--version" })
+             "--instrument", "--test-command", "--test-argument", "--test-seconds", "--templates", "--start-seconds",
+             "--run-seconds", "--seed", "--help", "--version" })
         EXPECT_NE(usage.find(option), std::string::npos) << option;
 }
 
