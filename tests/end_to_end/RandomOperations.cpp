@@ -17,8 +17,10 @@ QString templateName(S s)
 
 void createJob(S s)
 {
+    const QString locations =
+        s.oneOf({ QString(), QStringLiteral("fibres-1-12.txt"), QStringLiteral("../jobs.sqlite") });
     if (!s.hasManyJobs()) {
-        s.manager.createNewJob(s.poolID(), QStringLiteral("T-1"), templateName(s), QString(), s.once(2));
+        s.manager.createNewJob(s.poolID(), QStringLiteral("T-1"), templateName(s), locations, s.once(2));
     }
 }
 
