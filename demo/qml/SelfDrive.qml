@@ -32,6 +32,12 @@ Item {
 
     /// The one of the sample jobs that has the most tests.
     readonly property string largeJob: "WO-2026-004400"
+    /// The job that is made on the way, and what it is made from.
+    readonly property string newJob: "WO-2026-005001"
+    readonly property string template: "Fibre acceptance"
+    /// A job with a test that the instrument of the samples cannot run.
+    readonly property string refusedJob: "WO-2026-004602"
+    readonly property string refusedType: "leakage"
 
     readonly property var jobsPage: window.jobsPage
     readonly property var page: window.pages.currentItem
@@ -193,6 +199,88 @@ Item {
           act: () => page.finished(),
           until: () => atRest() && page === jobsPage },
 
+        { name: "the form for a new job", picture: "new-job",
+          act: () => jobsPage.newJobWanted(),
+          until: () => atRest() && page.loaded && page.templates.includes(template) },
+
+        { name: "what a template prescribes", picture: "new-job-template",
+          act: () => { page.choose(template); write("numberField", newJob) },
+          until: () => page.numberOfTests > 0 && page.label.length > 0 },
+
+        { name: "a number that is taken", picture: "new-job-taken",
+          act: () => write("numberField", largeJob),
+          until: () => page.numberTaken },
+
+        { name: "the new job's own page", picture: "new-job-created",
+          act: () => { write("numberField", newJob); page.create() },
+          until: () => atRest() && page.jobID === newJob && page.current && shows(page.tests, "status") },
+
+        { name: "a prompt that can be answered", picture: "prompt",
+          act: () => openTest(test => test.testType === "manual"),
+          until: () => atRest() && page.test === seenTest && shows(page, "prompt") },
+
+        { name: "the answer", picture: "prompt-answered",
+          act: () => itemNamed(page, "answer_yes").clicked(),
+          until: () => page.details.answer === "yes" && page.details.status === "pass" },
+
+        { name: "the new job's tests",
+          act: () => page.finished(),
+          until: () => atRest() && page.jobID === newJob },
+
+        { name: "a test that can be launched", picture: "launch",
+          act: () => openTest(test => test.testType !== "manual"),
+          until: () => atRest() && page.test === seenTest && shows(page, "status") },
+
+        { name: "the test being started", picture: "launch-starting", atOnce: true,
+          act: () => itemNamed(page, "launchBar").launch(),
+          until: () => JobManager.isTestLaunching },
+
+        { name: "the running test", picture: "launch-running",
+          until: () => itemNamed(page, "launchBar").running },
+
+        { name: "the verdict", picture: "launch-finished",
+          until: () => page.watch.finished && page.details.status.length > 0 },
+
+        { name: "the new job again",
+          act: () => page.finished(),
+          until: () => atRest() && page.jobID === newJob },
+
+        { name: "the new job set aside",
+          act: () => page.currentJobWanted(null),
+          until: () => !page.current && !JobManager.settingCurrentJob },
+
+        { name: "the question before a job is deleted", picture: "delete-question",
+          act: () => { page.detailsShown = true; itemNamed(page, "deleteButton").clicked() },
+          until: () => itemNamed(everything(), "yesButton") !== null },
+
+        { name: "the lists without the deleted job", picture: "deleted",
+          act: () => itemNamed(everything(), "yesButton").clicked(),
+          until: () => atRest() && page === jobsPage && JobTable.rowOf(JobManager, newJob) < 0 },
+
+        { name: "a job with a test that the instrument cannot run",
+          act: () => window.showJob(refusedJob, JobTable.jobAt(JobManager, JobTable.rowOf(JobManager, refusedJob))),
+          until: () => atRest() && page.jobID === refusedJob && shows(page.tests, "status") },
+
+        { name: "the job as the current one", picture: "job-current",
+          act: () => page.currentJobWanted(page.job),
+          until: () => page.current },
+
+        { name: "the page of the test that the instrument cannot run",
+          act: () => openTest(test => test.testType === refusedType),
+          until: () => atRest() && page.test === seenTest },
+
+        { name: "why it was not launched", picture: "launch-refused",
+          act: () => itemNamed(page, "launchBar").launch(),
+          until: () => itemNamed(page, "launchBar").failed },
+
+        { name: "the lists behind it",
+          act: () => window.pages.pop(null),
+          until: () => atRest() && page === jobsPage },
+
+        { name: "a sync under way", picture: "sync",
+          act: () => JobManager.syncWithNimbrel(),
+          until: () => JobManager.isSyncInProgress },
+
         { name: "the settings", picture: "settings",
           act: () => jobsPage.settingsWanted(),
           until: () => atRest() && shows(page, "title") && page.port === JobManager.restApiPort },
@@ -324,6 +412,19 @@ Item {
         }
     }
 
+    /// The pages, and what stands over them.
+    function everything() {
+        let item = window.pages
+        while (item.parent !== null)
+            item = item.parent
+        return item
+    }
+
+    /// Writes into a field of the page's form.
+    function write(field, text) {
+        itemNamed(page, field).text = text
+    }
+
     function putResult(jobID, uiIndex, status) {
         const request = new XMLHttpRequest()
         request.onreadystatechange = () => {
@@ -374,11 +475,7 @@ Item {
     function takePicture(name) {
         ++pictures
         const file = folder + "/" + String(pictures).padStart(2, "0") + "-" + name + ".png"
-        // With what stands over the pages.
-        let everything = window.pages
-        while (everything.parent !== null)
-            everything = everything.parent
-        const taken = everything.grabToImage(result => {
+        const taken = everything().grabToImage(result => {
             if (!result.saveToFile(file)) {
                 fail("the file " + file)
                 return

@@ -95,7 +95,14 @@ void DemoTest::drivesItselfThroughItsScreensAndLeavesAPictureOfEach()
         QStringLiteral("21-test.png"), QStringLiteral("22-test-new-result.png"), QStringLiteral("23-manual-test.png"),
         QStringLiteral("24-properties.png"), QStringLiteral("25-property-written.png"),
         QStringLiteral("26-property-wrong.png"), QStringLiteral("27-property-refused.png"),
-        QStringLiteral("28-property-altered.png"), QStringLiteral("29-settings.png"), QStringLiteral("30-end.png") };
+        QStringLiteral("28-property-altered.png"), QStringLiteral("29-new-job.png"),
+        QStringLiteral("30-new-job-template.png"), QStringLiteral("31-new-job-taken.png"),
+        QStringLiteral("32-new-job-created.png"), QStringLiteral("33-prompt.png"),
+        QStringLiteral("34-prompt-answered.png"), QStringLiteral("35-launch.png"),
+        QStringLiteral("36-launch-starting.png"), QStringLiteral("37-launch-running.png"),
+        QStringLiteral("38-launch-finished.png"), QStringLiteral("39-delete-question.png"),
+        QStringLiteral("40-deleted.png"), QStringLiteral("41-job-current.png"), QStringLiteral("42-launch-refused.png"),
+        QStringLiteral("43-sync.png"), QStringLiteral("44-settings.png"), QStringLiteral("45-end.png") };
     QCOMPARE(names, expected);
     for (const QString& name : names) {
         const QImage picture(folder.filePath(name));

@@ -99,7 +99,7 @@ Screen {
         outage.begin()
         mouseClick(button())
         tryVerify(() => notice().visible, aWhile)
-        waitForRendering(window.pages)
+        showFrame()
         mouseClick(notice())
         verify(!notice().visible)
     }

@@ -13,7 +13,7 @@ Screen {
         makeJob(id)
         openJob(id)
         page.detailsShown = true
-        waitForRendering(window.pages)
+        showFrame()
     }
 
     /// Taps a button that asks; returns the question.
@@ -113,7 +113,7 @@ Screen {
         tryVerify(() => JobTable.rowOf(jobsPage.archivedList.model, "STAYS-ARCHIVED") >= 0, aWhile)
         openJob("STAYS-ARCHIVED")
         page.detailsShown = true
-        waitForRendering(window.pages)
+        showFrame()
         outage.begin()
         mouseClick(findChild(page, "archiveButton"))
         compare(findChild(window, "notice").text, "Not changed: the job service did not accept it.")

@@ -34,7 +34,7 @@ Screen {
         page.template = "Fibre acceptance"
         mouseClick(findChild(page, "barButton"))
         tryVerify(() => page.jobID === id && page.current && page.feed.readable && !window.pages.busy, aWhile)
-        waitForRendering(window.pages)
+        showFrame()
         return id
     }
 

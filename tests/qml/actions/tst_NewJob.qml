@@ -23,6 +23,17 @@ Screen {
             keyClick(letter)
     }
 
+    /// Chooses a template as a finger does.
+    function choose(template) {
+        const list = page.templateList
+        const row = page.templates.indexOf(template)
+        verify(row >= 0)
+        list.positionViewAtIndex(row, ListView.Center)
+        showFrame()
+        mouseClick(list.itemAtIndex(row))
+        compare(page.template, template)
+    }
+
     function createButton() {
         return findChild(page, "barButton")
     }
@@ -132,5 +143,57 @@ Screen {
         mouseClick(createButton())
         showsJob(id)
         compare(service.document(id).details.syncToNimbrel, data.sync)
+    }
+
+    function test_templateTellsItsLabelAndItsTests() {
+        openForm()
+        choose("Ethernet activation")
+        compare(textIn(findChild(page, "label"), "value"), "Activation")
+        compare(textIn(findChild(page, "tests"), "value"), "4")
+        compare(findChild(page, "numberField").name, "Activation")
+        mouseClick(findChild(page, "noTemplate"))
+        compare(textIn(findChild(page, "label"), "value"), "–")
+        compare(textIn(findChild(page, "tests"), "value"), "0")
+        compare(findChild(page, "numberField").name, "Job number")
+    }
+
+    function test_jobFromATemplateHasItsTests() {
+        openForm()
+        choose("Ethernet activation")
+        type("numberField", "MADE-1")
+        mouseClick(createButton())
+        showsJob("MADE-1")
+        tryVerify(() => page.tests.count === 6, aWhile)
+        compare(service.summary("MADE-1").workOrderLabel, "Activation")
+    }
+
+    function test_listOfLocationsNeedsATemplate() {
+        openForm()
+        verify(!findChild(page, "locationsField").enabled)
+        choose("Ethernet activation")
+        verify(findChild(page, "locationsField").enabled)
+    }
+
+    function test_listOfLocationsGivesEachTestItsLocations() {
+        openForm()
+        choose("Ethernet activation")
+        type("numberField", "LOCATED-1")
+        type("locationsField", "fibres-1-12.txt")
+        mouseClick(createButton())
+        showsJob("LOCATED-1")
+        tryVerify(() => page.tests.count === 4 * 12, aWhile)
+        compare(textIn(page.tests.rowsOnScreen()[0], "location"), "Fibre 1")
+    }
+
+    function test_unknownListOfLocationsIsRefused() {
+        openForm()
+        choose("Ethernet activation")
+        type("numberField", "NO-LOCATIONS")
+        type("locationsField", "nowhere.txt")
+        mouseClick(createButton())
+        compare(message(), "Not created: the job service did not accept it. Is there such a list of locations?")
+        verify(findChild(page, "createBar").failed)
+        verify(!service.jobIds().includes("NO-LOCATIONS"))
+        compare(JobManager.currentJob, null)
     }
 }
