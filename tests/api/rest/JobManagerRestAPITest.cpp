@@ -89,7 +89,6 @@ private Q_SLOTS:
     void newPortMovesTheSameClient_data();
     void newPortMovesTheSameClient();
     void newPortClearsTheCacheByTheVirtualOperation();
-    void unservedOperationsAnswerAsForAnUnknownJob();
 };
 
 void JobManagerRestAPITest::init()
@@ -507,16 +506,6 @@ void JobManagerRestAPITest::newPortClearsTheCacheByTheVirtualOperation()
     QCOMPARE(api.cleared, 1);
     QVERIFY(!api.isJobListInCache());
     QVERIFY(!api.isJobInCache(known));
-}
-
-void JobManagerRestAPITest::unservedOperationsAnswerAsForAnUnknownJob()
-{
-    OnStandIn api;
-    const QString name = QStringLiteral("techId");
-    QVERIFY(!api->setOptionalJobProperty(known, name, name));
-    api->prepareForLaunchTest(known, idOf(0));
-    QVERIFY(api->launchTest(known, idOf(0)).isNull());
-    QVERIFY(StandInClient::calls().empty());
 }
 
 QTEST_GUILESS_MAIN(JobManagerRestAPITest)
