@@ -122,7 +122,7 @@ void TestRunner::stop()
 std::string TestRunner::launch(const std::string& uiIndex)
 {
     if (!take())
-        return launch_status::customNonfatal(busySentence);
+        return m_stop.isRaised() ? launch_status::failedToRun() : launch_status::customNonfatal(busySentence);
     Slot slot(*this);
     return launchNow(uiIndex, slot);
 }
@@ -165,6 +165,8 @@ std::string TestRunner::launchNow(const std::string& uiIndex, Slot& slot)
 
     if (m_thread.joinable())
         m_thread.join();
+    // A run that ends at once must not let the next launch at the thread object before it is whole.
+    const std::lock_guard<std::mutex> lock(m_mutex);
     m_thread =
         std::thread([this, test = *test, started = std::move(started)]() mutable { run(test, std::move(started)); });
     slot.passOn();

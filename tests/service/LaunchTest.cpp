@@ -12,6 +12,15 @@ namespace {
 class LaunchTest : public LaunchFixture
 {
 protected:
+    /// Starts the service with tests that run until the gate is opened.
+    void startWithGate()
+    {
+        start({ "--test-command", "/bin/sh", "--test-argument=-c", "--test-argument",
+            R"(while ! [ -e "$1" ]; do sleep 0.01; done; printf '{"status":"pass"}')", "--test-argument", "sh",
+            "--test-argument", (m_files.path() / "gate").string() });
+    }
+    void openGate() { m_files.write("gate", ""); }
+
     /// The results after three runs with this seed, on a store of its own.
     json resultsOfThreeRuns(const std::string& seed, const std::string& dataFolder)
     {
@@ -31,14 +40,20 @@ protected:
 
 TEST_F(LaunchTest, theResultComesByTheChangeCount)
 {
-    start({ "--start-seconds", "0", "--run-seconds", "0.2" });
+    start({ "--start-seconds", "0", "--run-seconds", "0.05" });
     const int before = changeCount();
     EXPECT_EQ(launch("1_1"), started);
-    EXPECT_EQ(launch("0"), busy);
     waitForCount(before + 1);
-    const json recorded = results("/tests/1/testLocations/1");
-    EXPECT_EQ(recorded.at("data").at("simulated"), true);
+    EXPECT_EQ(results("/tests/1/testLocations/1").at("data").at("simulated"), true);
     EXPECT_EQ(launch("0"), started);
+}
+
+TEST_F(LaunchTest, whileATestRunsNoOtherIsLaunched)
+{
+    start({ "--start-seconds", "0", "--run-seconds", "86400" });
+    EXPECT_EQ(launch("1_1"), started);
+    for (const char* uiIndex : { "0", "1_1", "99", "x" })
+        EXPECT_EQ(launch(uiIndex), busy);
 }
 
 TEST_F(LaunchTest, theSameSeedGivesTheSameResults)
@@ -94,7 +109,7 @@ TEST_F(LaunchTest, terminationDoesNotWaitForARun)
 
 TEST_F(LaunchTest, afterAKillDuringARunNothingIsLeftAndTheTestCanBeLaunchedAgain)
 {
-    start({ "--start-seconds", "0", "--run-seconds", "0.3" });
+    start({ "--start-seconds", "0", "--run-seconds", "86400" });
     const json before = get("/jobs/a");
     for (int round = 0; round < 3; ++round) {
         EXPECT_EQ(launch("0"), started);
@@ -103,6 +118,8 @@ TEST_F(LaunchTest, afterAKillDuringARunNothingIsLeftAndTheTestCanBeLaunchedAgain
         EXPECT_EQ(get("/active-job").at("id"), "a");
         EXPECT_EQ(get("/status").at("store"), "ok");
     }
+    m_service.kill();
+    start({ "--start-seconds", "0", "--run-seconds", "0" });
     const int count = changeCount();
     EXPECT_EQ(launch("0"), started);
     waitForCount(count + 1);
@@ -111,10 +128,11 @@ TEST_F(LaunchTest, afterAKillDuringARunNothingIsLeftAndTheTestCanBeLaunchedAgain
 
 TEST_F(LaunchTest, theResultOfAJobThatIsDeletedDuringTheRunIsDropped)
 {
-    start({ "--start-seconds", "0", "--run-seconds", "0.3" });
+    startWithGate();
     EXPECT_EQ(launch("0"), started);
     EXPECT_EQ(call("DELETE", "/jobs/a").status, 204);
     const int before = changeCount();
+    openGate();
     waitUntil([this] { return logTells("the result of test 0 of job a is dropped: it is no longer there"); });
     EXPECT_EQ(changeCount(), before);
     EXPECT_EQ(call("GET", "/jobs/a").status, 404);
@@ -122,12 +140,13 @@ TEST_F(LaunchTest, theResultOfAJobThatIsDeletedDuringTheRunIsDropped)
 
 TEST_F(LaunchTest, aJobThatIsArchivedDuringTheRunGetsItsResult)
 {
-    start({ "--start-seconds", "0", "--run-seconds", "0.3" });
+    startWithGate();
     EXPECT_EQ(launch("0"), started);
     const int before = changeCount();
     EXPECT_EQ(call("POST", "/jobs/a/archive").status, 204);
+    openGate();
     waitForCount(before + 2);
-    EXPECT_EQ(results("/tests/0").at("data").at("simulated"), true);
+    EXPECT_EQ(results("/tests/0").at("status"), "pass");
     EXPECT_EQ(launch("0"), started) << "it is still the active job";
 }
 

@@ -161,8 +161,10 @@ TEST_F(ProgramRunTest, nonsenseIsNoVerdict)
 
 TEST_F(ProgramRunTest, silenceIsNoVerdict)
 {
-    startWith("exec 1>&-; " + family + "wait", { "--test-seconds", "0.5" });
-    expectNoVerdict("The test program gave no result within 0.500 seconds.");
+    // Long enough for the program to come up.
+    const std::string seconds = std::to_string(stretched(3s) / 1s);
+    startWith("exec 1>&-; " + family + "wait", { "--test-seconds", seconds });
+    expectNoVerdict("The test program gave no result within " + seconds + " seconds.");
     expectGone(processIn("program"));
     expectGone(processIn("child"));
 }

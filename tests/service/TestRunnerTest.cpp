@@ -302,7 +302,7 @@ TEST_F(TestRunnerTest, stoppingEndsAStartAndAllowsNoOther)
     m_bench.waitForStarts(1);
     m_runner->stop();
     EXPECT_EQ(first.get(), "ERROR_CAN_LAUNCH_FAILED_TO_RUN");
-    EXPECT_EQ(launch("0"), busy);
+    EXPECT_EQ(launch("0"), "ERROR_CAN_LAUNCH_FAILED_TO_RUN");
 }
 
 } // namespace
