@@ -63,6 +63,18 @@ Screen {
         compare(document.details.techInfo.techId, "T-1031")
     }
 
+    function test_pageOfAJobThatIsCreatedDuringAFetchOpensToo() {
+        openForm()
+        type("numberField", "MEANWHILE-1")
+        // Somebody else's change, of which the module hears as it creates the job: it reads the jobs at the same time.
+        service.createJob("MEANWHILE-2")
+        mouseClick(createButton())
+        verify(page.waiting)
+        compare(message(), "Creating the job…")
+        verify(!createButton().enabled)
+        showsJob("MEANWHILE-1")
+    }
+
     function test_technicianIsTheOneWhoIsLoggedIn() {
         openForm()
         compare(input("techField").text, "T-1031")
