@@ -284,7 +284,7 @@ TEST_F(OpenApiTest, everyRouteOfTheServiceIsDescribedAndNoOther)
     jobmanager_test::TemporaryFolder folder;
     job_service::JobStore store(folder.path());
     job_service::SimulatedBench bench({});
-    const job_service::Instrument instrument;
+    const auto instrument = job_service::Instrument::standard();
     job_service::TestRunner runner(store, instrument, bench);
     std::set<std::string> served;
     for (const auto& routes : { job_service::JobApi(store, "").routes(), job_service::TestApi(store, runner).routes(),

@@ -21,7 +21,7 @@ constexpr const char* busy = "ERROR_CUSTOM_NONFATAL^Another test is still runnin
 class TestRunnerTest : public jobmanager_test::StoreFixture
 {
 protected:
-    const Instrument m_instrument;
+    const Instrument m_instrument = Instrument::standard();
     jobmanager_test::ScriptedBench m_bench;
     std::optional<TestRunner> m_runner;
 
