@@ -70,8 +70,21 @@ void askAboutTemplates(S s)
     s.manager.getTechID();
 }
 
+void askAboutTransfers(S s)
+{
+    s.manager.showExportJobSelection(s.media);
+    s.manager.showImportJobButton(s.media);
+    s.manager.showExchangeJobSelection();
+}
+
+void switchLanguage(S s)
+{
+    s.manager.setLanguage(s.oneOf({ QStringLiteral("de"), QStringLiteral("en"), QStringLiteral("none"), QString() }));
+}
+
 void otherCreatesJob(S s)
 {
+    s.emptyQueue(); // an import may bring any job
     const QStringList ids = s.other.jobIds();
     const QString jobID = s.poolID();
     if (!ids.contains(jobID) && !s.hasManyJobs()) {
@@ -98,6 +111,7 @@ template <typename Change> void withJobOfService(S s, Change change)
 
 void otherMakesJobAnew(S s)
 {
+    s.emptyQueue(); // an import may bring any job
     withJobOfService(s, [&](const QString& jobID) {
         s.other.deleteJob(jobID);
         s.other.createJob(jobID);
@@ -164,8 +178,14 @@ const std::vector<RandomOperation>& randomOperations()
         { "write a setting", 5, [](S s) { s.manager.writeSetting(QStringLiteral("random"), s.poolID()); } },
         { "read the settings", 5, [](S s) { s.manager.updateSettingsFromDb(); } },
         { "turn to the port in use", 5, [](S s) { s.manager.setRestApiPort(s.service.port()); } },
-        { "export a job", 5, [](S s) { s.manager.exportJobData(s.anyJob(), QStringLiteral("/proc")); } },
-        { "import jobs", 5, [](S s) { s.manager.importJobs(QStringLiteral("/proc/self/status")); } },
+        { "switch the language", 3, &switchLanguage },
+        // Transfers.
+        { "export a job", 15, [](S s) { s.manager.exportJobData(s.anyJob(), s.media); } },
+        { "export to where nothing may be written", 3,
+            [](S s) { s.manager.exportJobData(s.anyJob(), QStringLiteral("/proc")); } },
+        { "import jobs", 10, [](S s) { s.manager.importJobs(s.media); } },
+        { "import what is not there", 3, [](S s) { s.manager.importJobs(QStringLiteral("/proc/none")); } },
+        { "ask about transfers", 3, &askAboutTransfers },
         { "exchange the current job", 5, [](S s) { s.manager.exchangeCurrentJob(); } },
         { "sync", 1, &sync },
         // The rest of the world.

@@ -3,6 +3,7 @@
 #include "tests/support/MessageCollector.h"
 
 #include <QLoggingCategory>
+#include <QTemporaryDir>
 #include <QtTest>
 
 using jobmanager_test::MessageCollector;
@@ -23,7 +24,7 @@ int numberFromEnvironment(const char* name, int otherwise)
 bool isExpected(const QString& warning)
 {
     for (const char* const expected : { "Could not find job: ", "Could not find test: ", "m_testToLaunch is empty. ",
-             "Failed to get minimal job info for: " }) {
+             "Failed to get minimal job info for: ", "jobmanager-ui: " }) {
         if (warning.startsWith(QLatin1String("warning: ") + QLatin1String(expected))) {
             return true;
         }
@@ -62,7 +63,7 @@ private Q_SLOTS:
         QFETCH(unsigned int, seed);
         MessageCollector messages;
         {
-            RandomSession session(m_service, seed);
+            RandomSession session(m_service, m_media.path(), seed);
             QVERIFY2(session.settle(), "the first rows do not come");
             QStringList account;
             for (int steps = 10 + session.below(20); steps > 0; --steps) {
@@ -98,9 +99,11 @@ private:
         QVERIFY2(faults.isEmpty(), report(account, faults));
     }
 
+    const QTemporaryDir m_media;
     /// Tests run for a moment, so that their results come between other things.
-    ServiceProcess m_service{ { "--start-seconds", "0.002", "--run-seconds", "0.02", "--load",
-        JOBMANAGER_SAMPLES "/templates", "--load", JOBMANAGER_SAMPLES "/jobs/WO-2026-004512.job.json", "--load",
+    ServiceProcess m_service{ { "--start-seconds", "0.002", "--run-seconds", "0.02", "--media-root",
+        m_media.path().toStdString(), "--load", JOBMANAGER_SAMPLES "/templates", "--load",
+        JOBMANAGER_SAMPLES "/jobs/WO-2026-004512.job.json", "--load",
         JOBMANAGER_SAMPLES "/jobs/WO-2026-004711.job.json", "--load",
         JOBMANAGER_SAMPLES "/jobs/stoerung-77.job.json" } };
 };

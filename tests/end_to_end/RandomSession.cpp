@@ -59,8 +59,10 @@ QStringList toldBy(const QJsonObject& summary)
 
 } // namespace
 
-RandomSession::RandomSession(jobmanager_test::ServiceProcess& runningService, unsigned int seed)
+RandomSession::RandomSession(
+    jobmanager_test::ServiceProcess& runningService, const QString& mediaFolder, unsigned int seed)
     : service(runningService)
+    , media(mediaFolder)
     , other(runningService.port())
     , manager(apiOver(runningService.port()))
     , invariants(manager)

@@ -15,7 +15,8 @@
 class RandomSession
 {
 public:
-    RandomSession(jobmanager_test::ServiceProcess& service, unsigned int seed);
+    /// `media` is a folder that the service exports to and imports from.
+    RandomSession(jobmanager_test::ServiceProcess& service, const QString& media, unsigned int seed);
     ~RandomSession();
 
     /// A number from 0 to `bound` - 1.
@@ -41,6 +42,8 @@ public:
 
     /// One tick of the poll timer.
     void poll();
+    /// Lets the requests to the worker that wait at this moment come to their end. False if they do not in time.
+    bool emptyQueue();
     /// Lets everything happen that is under way, in the front and in the service. False if it does not come to an end
     /// in time.
     bool settle();
@@ -48,6 +51,7 @@ public:
     QString difference();
 
     jobmanager_test::ServiceProcess& service;
+    const QString media;
     const JobServiceClient other;
     jobmanager_ui::JobManager manager;
     ManagerInvariants invariants;
@@ -57,8 +61,6 @@ private:
     QString differenceOfJob(const QString& jobID);
     QString differenceOfTests(const QString& jobID);
     bool isAtRest() const;
-    /// Lets the requests to the worker that wait at this moment come to their end. False if they do not in time.
-    bool emptyQueue();
 
     std::mt19937 m_chance;
 };
