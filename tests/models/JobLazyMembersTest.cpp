@@ -395,7 +395,7 @@ emit numberOfIncompleteRequiredAttributesChanged())"));
         QFETCH(QVariant, argument);
         std::vector<ScriptedTest> tests =
             testsAt({ QStringLiteral("A"), QStringLiteral("B"), QStringLiteral("C"), QStringLiteral("D") });
-        for (const std::size_t named : { 0, 1, 2 }) {
+        for (std::size_t named = 0; named < 3; ++named) {
             tests[named].displayName = QStringLiteral("OTDR");
         }
         tests[0].index = 4;
