@@ -300,6 +300,14 @@ call getChangeCount())"));
         QCOMPARE(m_front->take(), QStringLiteral("debug: Trying to change the active job to the same one. Skipping"));
     }
 
+    void noIdIsNotTheSameAsNoCurrentJob()
+    {
+        m_front->api->setAnswer(QStringLiteral("setCurrentJobByID"), true);
+        QCOMPARE(m_front->manager.setCurrentJobByID(QString()), true);
+        QCOMPARE(m_front->take(), QStringLiteral(R"(call setCurrentJobByID("")
+call getChangeCount())"));
+    }
+
     void valueThatIsNoTextIsNoId_data()
     {
         QTest::addColumn<QVariant>("value");

@@ -1,41 +1,16 @@
 #include "core/ErrorMessageHelper.h"
 #include "tests/support/MessageCollector.h"
+#include "tests/support/OtherWords.h"
 
 #include <initializer_list>
 #include <iterator>
 #include <memory>
-#include <QCoreApplication>
-#include <QTranslator>
 #include <QtTest>
 #include <utility>
 
 using namespace jobmanager_test;
 
 namespace {
-
-/// Answers each text of the context "QObject" with itself in other words, and notes what it was asked for.
-class OtherWords : public QTranslator
-{
-public:
-    OtherWords() { QCoreApplication::installTranslator(this); }
-    ~OtherWords() override { QCoreApplication::removeTranslator(this); }
-
-    bool isEmpty() const override { return false; }
-
-    QString translate(const char* context, const char* text, const char* disambiguation, int number) const override
-    {
-        const QStringList asked{ QString::fromUtf8(context), QString::fromUtf8(text),
-            disambiguation == nullptr ? QStringLiteral("none") : QString::fromUtf8(disambiguation),
-            QString::number(number) };
-        m_asked.append(asked.join(QStringLiteral(", ")));
-        return QStringLiteral("anders: ") + QString::fromUtf8(text);
-    }
-
-    QStringList takeAsked() { return std::exchange(m_asked, {}); }
-
-private:
-    mutable QStringList m_asked;
-};
 
 QString displayString(const QString& status)
 {
@@ -73,6 +48,14 @@ private Q_SLOTS:
         // An argument without a place, or a place without an argument, is warned of.
         QCOMPARE(m_messages->take(), QStringList());
         m_messages.reset();
+    }
+
+    // The first of all: the others show the empty status as well.
+    void emptyStatusJoinsTheSeverities()
+    {
+        QVERIFY(!ErrorMessageHelper::severities().contains(QString()));
+        displayString(QString());
+        QCOMPARE(ErrorMessageHelper::severities().value(QString(), 77), 0);
     }
 
     void statusReadsAsItsMessage_data()

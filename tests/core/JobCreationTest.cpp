@@ -42,7 +42,9 @@ public:
             return false;
         }
         setCurrentID(jobID);
-        moveCount();
+        if (activationCounts) {
+            moveCount();
+        }
         return true;
     }
 
@@ -66,6 +68,8 @@ public:
     }
 
     bool countLags = false;
+    /// Whether a change of the current job moves the count.
+    bool activationCounts = true;
     /// Which of the template and the file of locations came as a null text.
     QList<bool> absentTexts;
 
@@ -200,6 +204,15 @@ call getSettingsListInfo())"));
         m_api->setAnswer(QStringLiteral("createJob"), false);
         QCOMPARE(m_front->manager.createNewJob(QStringLiteral("WO-2"), QString()), false);
         QCOMPARE(m_api->count(QStringLiteral("clearCache")), 2);
+    }
+
+    void oneStepAfterTheCreationIsAFullUpdateToo()
+    {
+        m_api->keepJobListCached();
+        m_api->activationCounts = false;
+        QCOMPARE(m_front->manager.createNewJob(idNew, QString()), true);
+        QCOMPARE(m_api->count(QStringLiteral("clearCache")), 1);
+        QCOMPARE(m_announced, QStringList{ idNew });
     }
 
     // The announcement.

@@ -1,6 +1,7 @@
 #include "tests/core/RecordedManager.h"
 #include "tests/models/ScriptedTests.h"
 #include "tests/support/Deadline.h"
+#include "tests/support/OtherWords.h"
 
 #include <QElapsedTimer>
 #include <QPointer>
@@ -164,6 +165,20 @@ emit launchTestSignal("A", 1))"));
                            "emit test: errorMessageChanged()\n"
                            "emit test: errorSeverityChanged()\n"
                            "emit isTestLaunchingChanged()"));
+    }
+
+    void messageStaysInTheLanguageOfTheEnd()
+    {
+        const QString translated = QStringLiteral("anders: Insufficient Power. Turn off a running application");
+        m_front->manager.launchTest(m_test.get());
+        {
+            const OtherWords translator;
+            finish(QStringLiteral("ERROR_POWER"));
+        }
+        QCOMPARE(m_test->errorMessage(), translated);
+        m_front->rebuild({ idA, idB });
+        QCOMPARE(test(1), m_test);
+        QCOMPARE(m_test->errorMessage(), translated);
     }
 
     void acceptedLaunchClearsAnEarlierError()
@@ -338,6 +353,21 @@ emit launchTestSignal("A", 1))"));
         m_front->poll();
         QCOMPARE(updated.count(), 1);
         QCOMPARE(rebuilt.count(), changed ? 2 : 1);
+    }
+
+    void pollAtTheFallOfTheFlagIsToldAndTheNextIsNot()
+    {
+        m_front->api->keepJobListCached();
+        m_front->manager.launchTest(m_test.get());
+        connect(&m_front->manager, &JobManager::isTestLaunchingChanged, this, [&] {
+            m_front->api->setChangeCount(1);
+            m_front->poll();
+        });
+        const QSignalSpy updated(&m_front->manager, &JobManager::jobManagerUpdated);
+        finish({});
+        QCOMPARE(updated.count(), 1);
+        verifySilenceOfTheNextPoll();
+        QCOMPARE(updated.count(), 2);
     }
 
     void silenceIsUsedUpByAPollDuringAFetch()
