@@ -48,6 +48,7 @@ private Q_SLOTS:
     void exportGivesTheClientsPath();
     void importGivesTheClientsNumber();
 
+    void archivingTheCurrentJobClearsItFirst_data();
     void archivingTheCurrentJobClearsItFirst();
     void archivingAnotherJobLeavesTheCurrentOne();
     void archivingGoesOnIfTheCurrentJobCannotBeCleared();
@@ -56,6 +57,7 @@ private Q_SLOTS:
     void restoringDoesNotLookAtTheCurrentJob();
 
     void manualResultIsLoggedAsFourItems();
+    void manualResultIsLoggedBeforeItIsSent();
     void manualResultNamesTestOrLocation_data();
     void manualResultNamesTestOrLocation();
     void manualResultShowsOnlyAfterAFetch();
@@ -162,6 +164,17 @@ void PassedOnRequestsTest::requestRunsOnTheCallersThread()
 void PassedOnRequestsTest::requestLeavesTheCacheAlone_data()
 {
     addRequests();
+    const auto row = [](const char* name, const Request& request) {
+        QTest::newRow(name) << request << QByteArray() << Texts();
+    };
+    row("archive", [](JobManagerRestAPI& api) { return api.setIsJobArchived(job, true); });
+    row("export",
+        [](JobManagerRestAPI& api) { return !api.exportJobData(job, QStringLiteral("/media/usb")).isEmpty(); });
+    row("import", [](JobManagerRestAPI& api) { return api.importJobs(QStringLiteral("/media/usb")) == 3; });
+    row("launch", [](JobManagerRestAPI& api) {
+        api.prepareForLaunchTest(job, idOf(2));
+        return api.launchTest(job, idOf(2)).isEmpty();
+    });
 }
 
 void PassedOnRequestsTest::requestLeavesTheCacheAlone()
@@ -170,12 +183,15 @@ void PassedOnRequestsTest::requestLeavesTheCacheAlone()
     ClientAnswers answers;
     answers.jobList = { summaryOf(job.toStdString()) };
     answers.jobs[job.toStdString()] = jobOf(job.toStdString(), { { testOf("2") } });
+    answers.exportPath = "/media/usb/J.job.json";
+    answers.importedJobs = 3;
+    answers.launchResult = { true, {} };
     StandInClient::setAnswers(answers);
     OnStandIn api;
     const MessageCollector recorder;
     const std::vector<QString> jobs = api->getAllJobIDs();
     const std::vector<long long> tests = api->getAllTestIDs(job);
-    request(*api);
+    QVERIFY(request(*api));
     QVERIFY(api->isJobListInCache());
     QVERIFY(api->isJobInCache(job));
     StandInClient::forgetCalls();
@@ -217,14 +233,22 @@ void PassedOnRequestsTest::importGivesTheClientsNumber()
     QCOMPARE(StandInClient::calls().front().arguments, Texts{ "/media/größe" });
 }
 
+void PassedOnRequestsTest::archivingTheCurrentJobClearsItFirst_data()
+{
+    QTest::addColumn<QString>("id");
+    QTest::newRow("a job") << job;
+    QTest::newRow("no job, and none is current") << QString();
+}
+
 void PassedOnRequestsTest::archivingTheCurrentJobClearsItFirst()
 {
-    answerWithActiveJob(job.toStdString());
+    QFETCH(QString, id);
+    answerWithActiveJob(id.toStdString());
     OnStandIn api;
-    QVERIFY(api->setIsJobArchived(job, true));
+    QVERIFY(api->setIsJobArchived(id, true));
     QCOMPARE(StandInClient::operations(), (Texts{ "getActiveWorkorderID", "setActiveWorkorderID", "archiveJob" }));
     QCOMPARE(StandInClient::calls("setActiveWorkorderID").front().arguments, Texts{ "" });
-    QCOMPARE(StandInClient::calls("archiveJob").front().arguments, Texts{ job.toStdString() });
+    QCOMPARE(StandInClient::calls("archiveJob").front().arguments, Texts{ id.toStdString() });
 }
 
 void PassedOnRequestsTest::archivingAnotherJobLeavesTheCurrentOne()
@@ -293,6 +317,18 @@ void PassedOnRequestsTest::manualResultIsLoggedAsFourItems()
     api->setManualTestResult(job, idOf(2), QStringLiteral("yes"), QString());
     QCOMPARE(recorder.messages(),
         QStringList(QStringLiteral("debug: JobManagerRestAPI setting manual test result to: \"yes\" ,  \"\"")));
+}
+
+void PassedOnRequestsTest::manualResultIsLoggedBeforeItIsSent()
+{
+    OnStandIn api;
+    MessageCollector recorder;
+    StandInClient::setHook(
+        [&recorder](const ClientCall& call) { recorder.journal().add(QString::fromStdString(call.operation)); });
+    api->setManualTestResult(job, idOf(2), QStringLiteral("yes"), QString());
+    QCOMPARE(recorder.messages(),
+        (QStringList{ QStringLiteral("debug: JobManagerRestAPI setting manual test result to: \"yes\" ,  \"\""),
+            QStringLiteral("setManualTestResponse") }));
 }
 
 void PassedOnRequestsTest::manualResultNamesTestOrLocation_data()
