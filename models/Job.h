@@ -97,7 +97,8 @@ public:
     /// Lazy: the job's optional properties by name, those that are not visible included; null while
     /// isBackgroundFetchCompleted is false. Built by the first read after an update, which counts the required
     /// attributes on the way and emits totalNumberOfRequiredAttributesChanged and
-    /// numberOfIncompleteRequiredAttributesChanged once a name. Owned by the job, and dropped by its next update.
+    /// numberOfIncompleteRequiredAttributesChanged once a name. Owned by the job, and dropped by its next update: a
+    /// receiver of these signals that updates the job has the map built once more, and one that ends the job gets null.
     ///
     /// What QML writes goes to the data interface at once: see onPropertyValueChanged.
     QQmlPropertyMap* optionalProperties();
@@ -210,6 +211,7 @@ private:
     void dropProperties();
     void emitUpdateSignals();
 
+    QQmlPropertyMap* builtOptionalProperties();
     void buildOptionalProperties();
     void countRequiredAttribute(const QString& value);
     void showStoredValue(const QString& propertyName);

@@ -24,17 +24,31 @@ QQmlPropertyMap* Job::optionalProperties()
     if (!isBackgroundFetchCompleted()) {
         return nullptr;
     }
-    if (m_optionalProperties == nullptr) {
+    return m_optionalProperties == nullptr ? builtOptionalProperties() : m_optionalProperties.get();
+}
+
+QQmlPropertyMap* Job::builtOptionalProperties()
+{
+    const QPointer<Job> self(this);
+    buildOptionalProperties();
+    if (self.isNull()) {
+        return nullptr;
+    }
+    // A receiver of the counters has updated the job. One that does so each time is not followed for ever.
+    if (m_optionalProperties == nullptr && isBackgroundFetchCompleted()) {
         buildOptionalProperties();
     }
-    return m_optionalProperties.get();
+    return self.isNull() ? nullptr : m_optionalProperties.get();
 }
 
 void Job::buildOptionalProperties()
 {
     qCDebug(logCategory) << "Initializing optional properties for job: " << m_jobID;
     m_optionalProperties.reset(new OptionalPropertyMap);
+    const QPointer<Job> self(this);
     const QPointer<OptionalPropertyMap> map = m_optionalProperties.get();
+    // A receiver may update the job, which drops the map and the counts, or end it.
+    const auto isDropped = [&] { return self.isNull() || map.isNull() || m_optionalProperties.get() != map; };
     const std::vector<QString> names = m_api->getAllOptionalJobProperties(m_jobID);
     for (const QString& name : names) {
         const PropertyDisplayInfo info = m_api->getOptionalJobPropertyDisplayInfo(m_jobID, name);
@@ -43,9 +57,11 @@ void Job::buildOptionalProperties()
             countRequiredAttribute(map->value(name).toString());
         }
         Q_EMIT totalNumberOfRequiredAttributesChanged();
+        if (isDropped()) {
+            return;
+        }
         Q_EMIT numberOfIncompleteRequiredAttributesChanged();
-        // A receiver may have updated the job, which drops the map and the counts.
-        if (map.isNull()) {
+        if (isDropped()) {
             return;
         }
     }

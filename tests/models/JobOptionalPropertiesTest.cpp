@@ -22,7 +22,12 @@ const QString a = QStringLiteral("a");
 const QString b = QStringLiteral("b");
 const QString typed = QStringLiteral("typed");
 
+/// The signal of a counter.
+using Counter = void (Job::*)();
+
 } // namespace
+
+Q_DECLARE_METATYPE(Counter)
 
 /// Calls, the job's signals and messages go into one journal. The worker's thread does not run: a fetch ends when the
 /// test says so.
@@ -104,6 +109,7 @@ emit numberOfIncompleteRequiredAttributesChanged())"));
         number.type = PropertyType::DOUBLE;
         m_api->setDisplayInfo(number);
         store(a, value);
+        QVERIFY(map()->contains(a));
         QCOMPARE(map()->value(a), value);
         QCOMPARE(map()->value(a).userType(), value.userType());
     }
@@ -129,23 +135,31 @@ emit numberOfIncompleteRequiredAttributesChanged())"));
     {
         QTest::addColumn<bool>("editable");
         QTest::addColumn<bool>("visible");
+        QTest::addColumn<QString>("value");
         QTest::addColumn<int>("required");
-        QTest::newRow("both") << true << true << 1;
-        QTest::newRow("editable alone") << true << false << 0;
-        QTest::newRow("visible alone") << false << true << 0;
-        QTest::newRow("neither") << false << false << 0;
+        QTest::addColumn<int>("incomplete");
+        const QString none;
+        const QString value = QStringLiteral("value");
+        QTest::newRow("both, empty") << true << true << none << 1 << 1;
+        QTest::newRow("both, with a value") << true << true << value << 1 << 0;
+        QTest::newRow("editable alone, empty") << true << false << none << 0 << 0;
+        QTest::newRow("editable alone, with a value") << true << false << value << 0 << 0;
+        QTest::newRow("visible alone, empty") << false << true << none << 0 << 0;
+        QTest::newRow("visible alone, with a value") << false << true << value << 0 << 0;
+        QTest::newRow("neither, empty") << false << false << none << 0 << 0;
+        QTest::newRow("neither, with a value") << false << false << value << 0 << 0;
     }
 
     void editableAndVisibleIsRequired()
     {
         QFETCH(bool, editable);
         QFETCH(bool, visible);
-        QFETCH(int, required);
+        QFETCH(QString, value);
         describe(a, editable, visible);
         describe(b, false, true);
-        store(a, QString());
-        QCOMPARE(m_job->getTotalNumberOfRequiredAttributes(), required);
-        QCOMPARE(m_job->getNumberOfIncompleteRequiredAttributes(), required);
+        store(a, value);
+        QTEST(m_job->getTotalNumberOfRequiredAttributes(), "required");
+        QTEST(m_job->getNumberOfIncompleteRequiredAttributes(), "incomplete");
     }
 
     void emptyAsTextIsIncomplete_data()
@@ -547,7 +561,90 @@ emit optionalPropertyValueChanged(false))"));
         QCOMPARE(m_api->count(QStringLiteral("setOptionalJobProperty")), 1);
     }
 
+    void firstReadGivesAMapThoughAReceiverOfACounterUpdatesTheJob_data() { addCounters(); }
+
+    void firstReadGivesAMapThoughAReceiverOfACounterUpdatesTheJob()
+    {
+        QFETCH(Counter, counter);
+        const QObject receiver;
+        connect(m_job.get(), counter, &receiver, [&, once = true]() mutable {
+            if (std::exchange(once, false)) {
+                m_job->updateDataFromAPI();
+            }
+        });
+        QQmlPropertyMap* const first = m_job->optionalProperties();
+        QVERIFY(first != nullptr);
+        QCOMPARE(first->keys(), (QStringList{ a, b }));
+        QCOMPARE(m_job->getTotalNumberOfRequiredAttributes(), 2);
+        QCOMPARE(m_job->getNumberOfIncompleteRequiredAttributes(), 1);
+        QCOMPARE(map(), first);
+        edit(a, typed);
+        QCOMPARE(m_api->count(QStringLiteral("setOptionalJobProperty")), 1);
+    }
+
+    void receiverOfACounterThatUpdatesTheJobEachTimeEndsInNoMap_data() { addCounters(); }
+
+    void receiverOfACounterThatUpdatesTheJobEachTimeEndsInNoMap()
+    {
+        QFETCH(Counter, counter);
+        const QObject receiver;
+        connect(m_job.get(), counter, &receiver, [&] { m_job->updateDataFromAPI(); });
+        QCOMPARE(m_job->optionalProperties(), nullptr);
+        QCOMPARE(m_api->count(QStringLiteral("getAllOptionalJobProperties")), 2);
+        disconnect(m_job.get(), counter, &receiver, nullptr);
+        QVERIFY(map() != nullptr);
+    }
+
+    void updateByAReceiverOfACounterThatNeedsAFetchHasTheMapWaitForIt()
+    {
+        m_job->setWorker(m_worker.get());
+        m_job->optionalProperties();
+        m_job->onFetchJobFinished(id);
+        const QObject receiver;
+        connect(m_job.get(), &Job::totalNumberOfRequiredAttributesChanged, &receiver, [&, once = true]() mutable {
+            if (std::exchange(once, false)) {
+                m_job->updateDataFromAPI();
+            }
+        });
+        QCOMPARE(m_job->optionalProperties(), nullptr);
+        QVERIFY(m_job->fetchInProgress());
+        m_job->onFetchJobFinished(id);
+        QVERIFY(map() != nullptr);
+    }
+
+    void receiverOfACounterMayEndTheJob_data() { addCounters(); }
+
+    void receiverOfACounterMayEndTheJob()
+    {
+        QFETCH(Counter, counter);
+        m_recorder.reset();
+        const QObject receiver;
+        connect(m_job.get(), counter, &receiver, [&] { m_job.reset(); });
+        QCOMPARE(m_job->optionalProperties(), nullptr);
+        QVERIFY(m_job == nullptr);
+        QCOMPARE(m_api->count(QStringLiteral("getAllOptionalJobProperties")), 1);
+    }
+
+    void receiverThatEndsTheJobLeavesNothingToCount_data() { addCounters(); }
+
+    void receiverThatEndsTheJobLeavesNothingToCount()
+    {
+        QFETCH(Counter, counter);
+        m_recorder.reset();
+        const QObject receiver;
+        connect(m_job.get(), counter, &receiver, [&] { m_job.reset(); });
+        QCOMPARE(m_job->getNumberOfIncompleteRequiredAttributes(), 0);
+        QVERIFY(m_job == nullptr);
+    }
+
 private:
+    static void addCounters()
+    {
+        QTest::addColumn<Counter>("counter");
+        QTest::newRow("of all") << &Job::totalNumberOfRequiredAttributesChanged;
+        QTest::newRow("of the incomplete ones") << &Job::numberOfIncompleteRequiredAttributesChanged;
+    }
+
     QQmlPropertyMap* map() { return m_job->optionalProperties(); }
 
     /// What the interface holds under the name.
