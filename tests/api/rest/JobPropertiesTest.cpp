@@ -44,6 +44,8 @@ private Q_SLOTS:
     void attributesAreListedWithTheirPrefixInOrder();
     void nothingIsRemovedFromTheJobsNames();
     void namesAreUtf8();
+    void fieldsAreUtf8();
+    void displayInfoIsUtf8();
 
     void valueIsReadByName_data();
     void valueIsReadByName();
@@ -108,6 +110,28 @@ void JobPropertiesTest::namesAreUtf8()
     const QString name = QString::fromUtf8("attributes/Gr\u00f6\u00dfe");
     QCOMPARE(api->getAllOptionalJobProperties(job), (Names{ name, QStringLiteral("techId") }));
     QCOMPARE(api->getOptionalJobProperty(job, name), QVariant(QString::fromUtf8("gro\u00df")));
+}
+
+void JobPropertiesTest::fieldsAreUtf8()
+{
+    cdm::CdmSouthboundJob record = jobOf("J");
+    record.details.techInfo.emplace().techId = "M\u00fcller";
+    record.details.contractorId = "\u0421-1";
+    WithJob api(record);
+    QCOMPARE(api->getOptionalJobProperty(job, QStringLiteral("techId")), QVariant(QString::fromUtf8("M\u00fcller")));
+    QCOMPARE(api->getOptionalJobProperty(job, QStringLiteral("contractorId")), QVariant(QString::fromUtf8("\u0421-1")));
+}
+
+void JobPropertiesTest::displayInfoIsUtf8()
+{
+    cdm::Attribute attribute = plainAttribute();
+    attribute.label = "L\u00e4nge";
+    attribute.regExp = "[\u00e0-\u00ff]+";
+    attribute.validValues = { "gro\u00df", "\u0434\u0430" };
+    const PropertyDisplayInfo info = displayInfoOf(attribute);
+    QCOMPARE(info.label, QString::fromUtf8("L\u00e4nge"));
+    QCOMPARE(info.regex, QString::fromUtf8("[\u00e0-\u00ff]+"));
+    QCOMPARE(info.validValues, (QStringList{ QString::fromUtf8("gro\u00df"), QString::fromUtf8("\u0434\u0430") }));
 }
 
 void JobPropertiesTest::valueIsReadByName_data()

@@ -54,6 +54,8 @@ private Q_SLOTS:
     void oneWriteIsOneRequest();
     void jobIsNamedByItsOwnId();
     void textCrossesAsUtf8();
+    void fieldCrossesAsUtf8_data();
+    void fieldCrossesAsUtf8();
     void valueIsSentAsText_data();
     void valueIsSentAsText();
 
@@ -146,6 +148,25 @@ void JobPropertyWritesTest::textCrossesAsUtf8()
     api->setOptionalJobProperty(job, name, QString::fromUtf8("gro\u00df"));
     QCOMPARE(updates().at(0).second["jobManagerAttributes"]["Gr\u00f6\u00dfe"]["value"], "gro\u00df");
     QCOMPARE(api->getOptionalJobProperty(job, name), QVariant(QString::fromUtf8("gro\u00df")));
+}
+
+void JobPropertyWritesTest::fieldCrossesAsUtf8_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QByteArray>("update");
+    QTest::newRow("technician") << techId << QByteArray("{\"techInfo\":{\"techId\":\"M\u00fcller\"}}");
+    QTest::newRow("contractor") << contractorId << QByteArray("{\"contractorId\":\"M\u00fcller\"}");
+}
+
+void JobPropertyWritesTest::fieldCrossesAsUtf8()
+{
+    QFETCH(QString, name);
+    QFETCH(QByteArray, update);
+    WithJob api(fullJob());
+    const QString value = QString::fromUtf8("M\u00fcller");
+    api->setOptionalJobProperty(job, name, value);
+    QCOMPARE(updates().at(0).second, nlohmann::json::parse(update.toStdString()));
+    QCOMPARE(api->getOptionalJobProperty(job, name), QVariant(value));
 }
 
 void JobPropertyWritesTest::valueIsSentAsText_data()

@@ -47,6 +47,8 @@ private Q_SLOTS:
     void nameOfBothTestAndLocationIsListedOnce();
     void attributesOfTheLocationAreNotTheTests();
     void structuredContentIsNotListed();
+    void attributesOfATestAreUtf8();
+    void locationIsUtf8();
     void unknownTestHasNoProperties();
     void unknownTestHasADefaultDisplayInfo_data();
     void unknownTestHasADefaultDisplayInfo();
@@ -108,6 +110,29 @@ void TestPropertiesTest::structuredContentIsNotListed()
         Names{ someProperty });
     QCOMPARE(WithTest(testWithAttributes({}, structured))->getAllOptionalTestProperties(job, idOf(0, 0)),
         (Names{ someProperty, locationProperty }));
+}
+
+void TestPropertiesTest::attributesOfATestAreUtf8()
+{
+    const Values values{ { "Gr\u00f6\u00dfe", attributeJson("L\u00e4nge", "gro\u00df") } };
+    const QString name = QString::fromUtf8("attributes/Gr\u00f6\u00dfe");
+    WithTest api(testWithAttributes(values, values));
+    QCOMPARE(api->getAllOptionalTestProperties(job, idOf(0)), Names{ name });
+    QCOMPARE(api->getAllOptionalTestProperties(job, idOf(0, 0)), (Names{ name, locationProperty }));
+    for (const long long test : { idOf(0), idOf(0, 0) }) {
+        QCOMPARE(api->getOptionalTestProperty(job, test, name), QVariant(QString::fromUtf8("gro\u00df")));
+        const PropertyDisplayInfo info = api->getOptionalTestPropertyDisplayInfo(job, test, name);
+        QCOMPARE(info.propName, name);
+        QCOMPARE(info.label, QString::fromUtf8("L\u00e4nge"));
+    }
+}
+
+void TestPropertiesTest::locationIsUtf8()
+{
+    cdm::Test test = testWithAttributes({}, {});
+    test.testLocations->front().location = "G\u00e4rtnerstra\u00dfe";
+    QCOMPARE(WithTest(test)->getOptionalTestProperty(job, idOf(0, 0), locationProperty),
+        QVariant(QString::fromUtf8("G\u00e4rtnerstra\u00dfe")));
 }
 
 void TestPropertiesTest::unknownTestHasNoProperties()
