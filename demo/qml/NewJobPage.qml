@@ -67,7 +67,7 @@ PageFrame {
         if (page.refused.length === 0 || page.refused !== page.number)
             return qsTr("The new job becomes the current one.")
         if (page.numberTaken)
-            return qsTr("Not created: there is a job with this number.")
+            return qsTr("Not confirmed: there is a job with this number now. Look whether it is yours.")
         return page.template.length > 0 && locationsField.text.trim().length > 0
                 ? qsTr("Not created: the job service did not accept it. Is there such a list of locations?")
                 : qsTr("Not created: the job service did not accept it.")

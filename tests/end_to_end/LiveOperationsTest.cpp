@@ -11,8 +11,8 @@ using namespace jobmanager_ui;
 
 namespace {
 
-using Write = std::function<void(JobManager& manager)>;
-using Truth = std::function<bool(JobManager& manager)>;
+using Step = std::function<void(LiveManager& front)>;
+using Truth = std::function<bool(LiveManager& front)>;
 
 const QString newID = QStringLiteral("WO / größer #1");
 
@@ -23,7 +23,7 @@ std::string jobRoute(const std::string& method, const QString& id, const std::st
 
 } // namespace
 
-Q_DECLARE_METATYPE(Write)
+Q_DECLARE_METATYPE(Step)
 Q_DECLARE_METATYPE(Truth)
 
 /// What the front end asks the service to do with jobs, over the real client and the real service: the round trips, and
@@ -210,43 +210,68 @@ private Q_SLOTS:
     void lostAnswerIsNeitherRepeatedNorBelieved_data()
     {
         QTest::addColumn<QString>("route");
-        QTest::addColumn<Write>("write");
+        QTest::addColumn<Step>("before");
+        QTest::addColumn<Step>("write");
         QTest::addColumn<Truth>("shows");
-        const auto row = [](const char* name, const std::string& route, const Write& write, const Truth& shows) {
-            QTest::newRow(name) << QString::fromStdString(route) << write << shows;
+        const auto row = [](const char* name, const std::string& route, const Step& before, const Step& write,
+                             const Truth& shows) {
+            QTest::newRow(name) << QString::fromStdString(route) << before << write << shows;
         };
+        const auto nothing = [](LiveManager& /*front*/) {};
+        const auto current = [](LiveManager& front) { front.makeCurrent(testedID); };
+        const auto archived = [](const LiveManager& front) { return front.job(testedID)->isArchived(); };
         row(
-            "create", "POST /api/v1/jobs",
-            [](JobManager& manager) { QCOMPARE(manager.createNewJob(newID, QStringLiteral("T-7")), false); },
-            [](JobManager& manager) { return manager.doesJobExist(newID); });
+            "create", "POST /api/v1/jobs", nothing,
+            [](LiveManager& front) { QCOMPARE(front.manager->createNewJob(newID, QStringLiteral("T-7")), false); },
+            [](LiveManager& front) { return front.manager->doesJobExist(newID); });
         row(
-            "delete", jobRoute("DELETE", testedID),
-            [](JobManager& manager) { QCOMPARE(manager.deleteJob(manager.getJob(testedID)), false); },
-            [](JobManager& manager) { return !manager.doesJobExist(testedID); });
+            "delete", jobRoute("DELETE", testedID), nothing,
+            [](LiveManager& front) { QCOMPARE(front.manager->deleteJob(front.job(testedID)), false); },
+            [](LiveManager& front) { return !front.manager->doesJobExist(testedID); });
         row(
-            "archive", jobRoute("POST", testedID, "/archive"),
-            [](JobManager& manager) { manager.getJob(testedID)->setIsArchived(true); },
-            [](JobManager& manager) { return manager.getJob(testedID)->isArchived(); });
+            "archive", jobRoute("POST", testedID, "/archive"), nothing,
+            [](LiveManager& front) { front.job(testedID)->setIsArchived(true); }, archived);
         row(
-            "make current", "PUT /api/v1/active-job",
-            [](JobManager& manager) { QCOMPARE(manager.setCurrentJob(manager.getJob(testedID)), true); },
-            [](JobManager& manager) { return manager.isCurrentJob(manager.getJob(testedID)); });
+            "restore", jobRoute("POST", testedID, "/restore"),
+            [archived](LiveManager& front) {
+                front.client.archiveJob(testedID);
+                QTRY_VERIFY_WITH_TIMEOUT(archived(front), aWhile());
+            },
+            [](LiveManager& front) { front.job(testedID)->setIsArchived(false); },
+            [archived](LiveManager& front) { return !archived(front); });
+        row(
+            "make current", "PUT /api/v1/active-job", nothing,
+            [](LiveManager& front) { QCOMPARE(front.manager->setCurrentJob(front.job(testedID)), true); },
+            [](LiveManager& front) { return front.currentID() == testedID; });
+        row(
+            "give up the current job", "PUT /api/v1/active-job", current,
+            [](LiveManager& front) { QCOMPARE(front.manager->unsetCurrentJob(), true); },
+            [](LiveManager& front) { return front.currentID().isEmpty(); });
+        row(
+            "answer a manual step", "POST /api/v1/manual-responses", current,
+            [](LiveManager& front) { front.testAt(manualStep)->setManualStepUserResponse(QStringLiteral("no")); },
+            [](LiveManager& front) {
+                return front.job(testedID)->tests() != nullptr
+                    && front.testAt(manualStep)->manualStepUserResponse() == QLatin1String("no");
+            });
     }
 
     void lostAnswerIsNeitherRepeatedNorBelieved()
     {
         QFETCH(QString, route);
-        QFETCH(Write, write);
+        QFETCH(Step, before);
+        QFETCH(Step, write);
         QFETCH(Truth, shows);
         m_front = liveManagerOverRelay();
+        before(*m_front);
         const QSignalSpy announced(m_front->manager.get(), &JobManager::newJobCreated);
         m_front->relay->loseAnswers(route.toStdString());
         const int count = m_front->client.changeCount();
 
-        write(*m_front->manager);
+        write(*m_front);
 
-        QVERIFY(!shows(*m_front->manager));
-        QTRY_VERIFY_WITH_TIMEOUT(shows(*m_front->manager), aWhile());
+        QVERIFY(!shows(*m_front));
+        QTRY_VERIFY_WITH_TIMEOUT(shows(*m_front), aWhile());
         QCOMPARE(m_front->relay->count(route.toStdString()), 1);
         QCOMPARE(m_front->client.changeCount(), count + 1);
         QCOMPARE(announced.count(), 0);

@@ -85,17 +85,6 @@ QString RandomSession::poolID()
     return oneOf(pool());
 }
 
-QString RandomSession::freeID()
-{
-    QStringList free;
-    for (const QString& jobID : pool()) {
-        if (!manager.doesJobExist(jobID)) {
-            free.append(jobID);
-        }
-    }
-    return free.isEmpty() ? QString() : oneOf(free);
-}
-
 Job* RandomSession::anyJob()
 {
     const int rows = manager.rowCount();

@@ -28,8 +28,6 @@ public:
 
     /// An id from the few that jobs here come and go by; awkward ones among them.
     QString poolID();
-    /// An id that the manager has no row for, from the same few; null if it has all of them.
-    QString freeID();
     /// A job that has a row; null if there is none.
     jobmanager_ui::Job* anyJob();
     /// A test of the job; null while its tests are not there, or if it has none.

@@ -120,12 +120,14 @@ Screen {
         openForm()
         type("numberField", "DUPLICATE")
         JobManager.pauseAutomaticUpdates = true
+        // A job that comes while the list is fetched would show with the next change only.
+        tryVerify(() => !JobManager.fetchingJobList, aWhile)
         service.createJob("DUPLICATE")
         mouseClick(createButton())
         verify(!page.waiting)
         verify(findChild(page, "createBar").failed)
         // The rows come anew, since the module has noticed the other job on the way.
-        tryVerify(() => message() === "Not created: there is a job with this number.", aWhile)
+        tryVerify(() => message() === "Not confirmed: there is a job with this number now. Look whether it is yours.", aWhile)
         compare(textIn(findChild(page, "numberField"), "fault"), "There is a job with this number")
         compare(JobManager.currentJob, null)
     }
