@@ -17,6 +17,8 @@ PageFrame {
 
     /// What became of the last launch.
     property LaunchWatch watch: null
+    /// Writes what could not be written before the page goes.
+    property LateEdits lateEdits: null
 
     property bool detailsShown: false
     /// The person has just deleted the job here.
@@ -98,6 +100,10 @@ PageFrame {
         }
     ]
     Component.onCompleted: readModifiedOn()
+    Component.onDestruction: {
+        if (page.lateEdits !== null)
+            page.lateEdits.take(properties)
+    }
 
     JobTexts {
         id: texts

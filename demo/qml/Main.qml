@@ -15,7 +15,7 @@ ApplicationWindow {
     readonly property alias jobsPage: jobsPage
 
     function showJob(id, job, operation = StackView.PushTransition) {
-        pages.push("JobPage.qml", { jobID: id, job: job, watch: watch }, operation)
+        pages.push("JobPage.qml", { jobID: id, job: job, watch: watch, lateEdits: lateEdits }, operation)
     }
 
     function showTest(test, feed) {
@@ -27,7 +27,7 @@ ApplicationWindow {
         // Between the creation and the news of it somebody else may have deleted it.
         if (job === null)
             return
-        const properties = { jobID: JobTable.idOf(JobManager, job), job: job, watch: watch }
+        const properties = { jobID: JobTable.idOf(JobManager, job), job: job, watch: watch, lateEdits: lateEdits }
         if (pages.currentItem instanceof NewJobPage)
             pages.replace("JobPage.qml", properties)
         else
@@ -93,6 +93,10 @@ ApplicationWindow {
     }
     LaunchWatch {
         id: watch
+    }
+    LateEdits {
+        id: lateEdits
+        onRefused: notice.show(qsTr("Not taken by the job service: %1").arg(label), true)
     }
     Notice {
         id: notice

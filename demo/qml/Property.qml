@@ -22,10 +22,13 @@ QtObject {
         return PropertyTexts.valueText(property.info, value)
     }
 
-    /// Gives the value to the service, unless it cannot be given now. Returns whether it was given.
+    /// Gives the value to the service. One that cannot be given now is kept, lest it be lost with its page. Returns
+    /// whether it was given.
     function write(value) {
-        if (!property.feed.writable)
+        if (!property.feed.writable) {
+            property.feed.keep(property.name, value)
             return false
+        }
         property.fault = property.feed.write(property.name, value) ? "" : qsTr("Not taken")
         return true
     }

@@ -28,6 +28,9 @@ QtObject {
     property int required: 0
     readonly property int open: feed.openAtUpdate + feed.openedSince
 
+    /// What was to be written while nothing could be, by name.
+    property var kept: ({})
+
     /// The properties were read anew.
     signal fresh()
     /// The service did not take a value. Its own one is read anew, and shows with the next `fresh`.
@@ -45,8 +48,19 @@ QtObject {
         return PropertyTexts.label(name, feed.infos[name])
     }
 
+    /// Remembers a value that is to be written once that can be.
+    function keep(name, value) {
+        feed.kept[name] = value
+    }
+
+    /// The value that was kept is no longer to be written.
+    function takeBack(name) {
+        delete feed.kept[name]
+    }
+
     /// Writes a value. Returns whether the service took it. Only while `writable`.
     function write(name, value) {
+        feed.takeBack(name)
         // A value that is held already is no edit, and nobody is asked.
         feed.accepted = true
         feed.map[name] = value

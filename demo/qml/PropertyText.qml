@@ -33,10 +33,9 @@ FormField {
     function commit() {
         if (!field.edited || field.textFault.length > 0)
             return
-        field.waiting = !field.property.feed.writable
-        if (field.waiting)
-            return
-        field.edited = false
+        // The outcome of the write shows the service's value, unless the field is being edited.
+        field.edited = !field.property.feed.writable
+        field.waiting = field.edited
         field.property.write(field.text)
     }
 
@@ -66,6 +65,7 @@ FormField {
                 field.valueBefore = field.value
             field.edited = field.text !== field.value
             field.waiting = false
+            field.property.feed.takeBack(field.property.name)
             field.property.fault = ""
         }
         function onActiveFocusChanged() {
@@ -80,6 +80,9 @@ FormField {
             if (field.waiting)
                 field.commit()
             field.showValue()
+            // The service holds what was to be written.
+            if (!field.edited)
+                field.property.feed.takeBack(field.property.name)
         }
     }
     // Asks the pattern about the text without keeping anybody from typing.

@@ -1,4 +1,5 @@
 import QtQuick 2.15
+import QtQuick.Controls 2.15
 import JobManagerUi 1.0
 
 import "../../../demo/qml"
@@ -413,6 +414,89 @@ Screen {
         compare(input("text").text, "new")
     }
 
+    function test_editWhileTheJobIsBeingFetchedOutlivesItsPage_data() {
+        return [{ tag: "left field", edit: () => input("text").focus = false },
+                { tag: "left page", edit: () => {} }]
+    }
+
+    function test_editWhileTheJobIsBeingFetchedOutlivesItsPage(data) {
+        openForm()
+        const before = service.changeCount()
+        type("text", "new")
+        JobManager.updateDataFromAPI(true)
+        verify(!feed.writable)
+        data.edit()
+        // No transition, in which the fetch could end first.
+        window.pages.pop(StackView.Immediate)
+        compare(page, jobsPage)
+        compare(stored("text"), "old")
+        tryVerify(() => stored("text") === "new", aWhile)
+        compare(service.changeCount(), before + 1)
+    }
+
+    function test_choiceWhileTheJobIsBeingFetchedOutlivesItsPage() {
+        openForm()
+        JobManager.updateDataFromAPI(true)
+        verify(!feed.writable)
+        choice("level", "high").clicked()
+        window.pages.pop(StackView.Immediate)
+        compare(stored("level"), "low")
+        tryVerify(() => stored("level") === "high", aWhile)
+    }
+
+    function test_editThatOutlivesItsPageShowsOnTheNextPageOfTheJob() {
+        openForm()
+        type("text", "new")
+        JobManager.updateDataFromAPI(true)
+        verify(!feed.writable)
+        window.pages.pop(StackView.Immediate)
+        openJob(jobID)
+        showForm()
+        tryVerify(() => input("text").text === "new", aWhile)
+        compare(stored("text"), "new")
+    }
+
+    function test_refusalOfAnEditThatOutlivesItsPageIsTold() {
+        openForm()
+        type("refusedText", "new")
+        JobManager.updateDataFromAPI(true)
+        verify(!feed.writable)
+        window.pages.pop(StackView.Immediate)
+        const notice = findChild(window, "notice")
+        tryVerify(() => notice.visible, aWhile)
+        compare(notice.text, "Not taken by the job service: Refused text")
+        compare(stored("refusedText"), "old")
+    }
+
+    function test_editThatOutlivesItsPageAndItsJobIsTold() {
+        openForm()
+        type("text", "new")
+        JobManager.updateDataFromAPI(true)
+        verify(!feed.writable)
+        service.deleteJob(jobID)
+        window.pages.pop(StackView.Immediate)
+        const notice = findChild(window, "notice")
+        tryVerify(() => notice.visible, aWhile)
+        compare(notice.text, "Not taken by the job service: Remark")
+    }
+
+    function test_editTakenBackBeforeItCouldBeWrittenIsNotWritten() {
+        openForm()
+        const before = service.changeCount()
+        type("text", "old!")
+        JobManager.updateDataFromAPI(true)
+        verify(!feed.writable)
+        row("text").item.accepted()
+        verify("attributes/text" in feed.kept)
+        input("text").remove(3, 4)
+        input("text").textEdited()
+        verify(!("attributes/text" in feed.kept))
+        window.pages.pop(StackView.Immediate)
+        tryVerify(() => !JobManager.fetchingJobList, aWhile)
+        compare(stored("text"), "old")
+        compare(service.changeCount(), before)
+    }
+
     function test_choiceWhileTheJobIsBeingFetchedIsWrittenAfterwards() {
         openForm()
         tap(choice("level", "low"))
@@ -459,6 +543,21 @@ Screen {
                  ["Standard", "ITU-T G.652.D"]])
         compare(textIn(findChild(shown, "property:attributes/colour"), "value"), "green")
         compare(findChild(shown, "input"), null)
+    }
+
+    function test_propertyOfATestThatSaysItIsEditableIsForShow() {
+        openJob("WO-2026-004730")
+        const job = page.job
+        tapTest("2_0")
+        const shown = findChild(page, "properties")
+        tryVerify(() => shown.rows.length > 0, aWhile)
+        const info = job.testPropertyDisplayInfos["attributes/profile"]
+        verify(info.editable)
+        const profile = findChild(shown, "property:attributes/profile")
+        compare(textIn(profile, "value"), "SM UPC")
+        compare(findChild(shown, "input"), null)
+        for (const value of ["SM UPC", "SM APC", "MM"])
+            compare(findChild(shown, "choice:" + value), null)
     }
 
     function test_testWithoutPropertiesShowsNone() {
