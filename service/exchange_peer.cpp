@@ -97,6 +97,13 @@ public:
         }
         return false;
     }
+    /// Waits until the other side has closed the far side: what it has not read by the end of the terminal is lost.
+    void waitForClose()
+    {
+        m_far = FileHandle();
+        pollfd waiting{ m_near.get(), 0, 0 };
+        ::poll(&waiting, 1, 5000);
+    }
     FileHandle handle() const { return FileHandle(::fcntl(m_near.get(), F_DUPFD_CLOEXEC, 0)); }
 
 private:
@@ -156,15 +163,17 @@ bool answerOnce(const Terminal& terminal, const Versions& versions)
 
 int serve(const Options& options)
 {
-    const Terminal terminal(options.link);
+    Terminal terminal(options.link);
     const Versions versions(options.jobs);
     std::printf("job-exchange-peer: waiting at %s\n", terminal.name().c_str());
     std::fflush(stdout);
     while (terminal.waitForBytes()) {
         const bool exchanged = answerOnce(terminal, versions);
         std::fflush(stdout);
-        if (options.once)
+        if (options.once) {
+            terminal.waitForClose();
             return exchanged ? 0 : 1;
+        }
     }
     return 0;
 }
