@@ -22,15 +22,21 @@ void OptionalPropertyMap::show(const QString& name, const QVariant& value)
         return;
     }
     insert(name, value);
-    // The newest property is the last one. Its own signal is the last of a write or a shown value, and QML hears it
-    // before this slot does.
-    const QMetaProperty property = metaObject()->property(metaObject()->propertyCount() - 1);
-    QMetaObject::connect(this, property.notifySignalIndex(), this, staticMetaObject.indexOfSlot("endDelivery()"));
+    // The newest property is the last one.
+    hearEndOfDelivery(metaObject()->propertyCount() - 1);
+}
+
+void OptionalPropertyMap::hearEndOfDelivery(int property)
+{
+    // The property's own signal is the last of a write or a shown value, and QML hears it before this slot does.
+    QMetaObject::connect(this, metaObject()->property(property).notifySignalIndex(), this,
+        staticMetaObject.indexOfSlot("endDelivery()"), Qt::UniqueConnection);
 }
 
 QVariant OptionalPropertyMap::updateValue(const QString& key, const QVariant& input)
 {
-    // Called before the first signal of a write.
+    // Called before the first signal of a write. One to a name that was never shown has just made its property.
+    hearEndOfDelivery(metaObject()->indexOfProperty(key.toUtf8().constData()));
     ++m_deliveries;
     return QQmlPropertyMap::updateValue(key, input);
 }

@@ -33,6 +33,9 @@ private Q_SLOTS:
     void endDelivery();
 
 private:
+    /// Counts the deliveries of this property's values as over when its signal comes.
+    void hearEndOfDelivery(int property);
+
     /// Writes and shown values, one inside the other, whose signals are not all delivered yet.
     int m_deliveries = 0;
     bool m_ended = false;

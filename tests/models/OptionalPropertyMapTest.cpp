@@ -118,6 +118,17 @@ private Q_SLOTS:
         QVERIFY(m_map.isNull());
     }
 
+    void mapEndsAtOnceAfterAWriteToANameThatWasNeverShown()
+    {
+        // The job has lost the property since the screen has read it.
+        m_map->setProperty("gone", typed);
+        const std::unique_ptr<QObject> form = makeForm("function write() { map['lost'] = 'typed' }");
+        QVERIFY(QMetaObject::invokeMethod(form.get(), "write"));
+        QCOMPARE(m_map->value(QStringLiteral("lost")), QVariant(typed));
+        m_owner->drop();
+        QVERIFY(m_map.isNull());
+    }
+
     void mapEndsAtOnceThoughItsValuesWereCorrectedInsideADelivery()
     {
         // As an owner does that puts back what was refused.
